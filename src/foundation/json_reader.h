@@ -1,0 +1,87 @@
+#pragma once
+
+#include <simdjson.h>
+#include <tl/expected.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <type_traits>
+
+namespace fleetwise {
+
+/// How many readable bytes the fast parser wants behind every text it is given; what they hold
+/// does not matter.
+inline constexpr std::size_t jsonPadding = simdjson::SIMDJSON_PADDING;
+
+using JsonObject = simdjson::ondemand::object;
+using JsonArray = simdjson::ondemand::array;
+using JsonValue = simdjson::ondemand::value;
+
+enum class JsonFault { wrongType, malformed };
+
+/// The fast road for other programs' files: reads the few members that are asked for and skips
+/// the rest. One reader serves one thread; views it hands out live until its next text.
+class JsonReader {
+public:
+    /// Calls `visit(JsonObject&)` on the object that `text` holds. `text` must be followed by
+    /// jsonPadding readable bytes. False where the text is not one whole JSON object; `visit` may
+    /// have run by then, so what it gathered counts only when this returns true.
+    template <typename Visit>
+    bool readObject(std::string_view text, Visit&& visit) {
+        simdjson::ondemand::document document;
+        if (parser.iterate(text.data(), text.size(), text.size() + jsonPadding).get(document)) {
+            return false;
+        }
+        JsonObject object;
+        if (document.get_object().get(object)) return false;
+        visit(object);
+        // Only a walk to the end tells a torn object from a whole one.
+        if (object.reset().error() || object.raw_json().error()) return false;
+        return document.current_location().error() == simdjson::OUT_OF_BOUNDS;
+    }
+
+private:
+    simdjson::ondemand::parser parser;
+};
+
+/// A value as T: std::string_view, std::int64_t (also from a number without a fraction), double,
+/// bool, JsonObject, JsonArray. A null is nothing; another type is JsonFault::wrongType.
+template <typename T>
+tl::expected<std::optional<T>, JsonFault> readValue(JsonValue value) {
+    bool isNull = false;
+    if (value.is_null().get(isNull)) return tl::unexpected(JsonFault::malformed);
+    if (isNull) return std::optional<T>();
+    T read;
+    simdjson::error_code error = value.get(read);
+    if constexpr (std::is_same_v<T, std::int64_t>) {
+        double number = 0;
+        if (error && !value.get(number) && number >= -9.2e18 && number <= 9.2e18 &&
+            static_cast<double>(static_cast<std::int64_t>(number)) == number) {
+            read = static_cast<std::int64_t>(number);
+            error = simdjson::SUCCESS;
+        }
+    }
+    if (!error) return std::optional<T>(read);
+    return tl::unexpected(error == simdjson::TAPE_ERROR || error == simdjson::STRING_ERROR
+                              ? JsonFault::malformed
+                              : JsonFault::wrongType);
+}
+
+/// The member `key` of `object` as readValue reads it; an absent member is nothing.
+template <typename T>
+tl::expected<std::optional<T>, JsonFault> readMember(JsonObject& object, std::string_view key) {
+    JsonValue value;
+    const simdjson::error_code error = object.find_field_unordered(key).get(value);
+    if (error == simdjson::NO_SUCH_FIELD) return std::optional<T>();
+    if (error) return tl::unexpected(JsonFault::malformed);
+    return readValue<T>(value);
+}
+
+/// As readMember, for formats that are not ours: a member of another type counts as absent.
+template <typename T>
+std::optional<T> memberIfPresent(JsonObject& object, std::string_view key) {
+    return readMember<T>(object, key).value_or(std::nullopt);
+}
+
+}  // namespace fleetwise

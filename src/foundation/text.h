@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace fleetwise {
+
+/// Without ASCII white space at both ends.
+std::string_view trimmed(std::string_view text);
+
+/// ASCII letters in lower case, all other bytes as they are.
+std::string asciiLowercased(std::string_view text);
+
+/// At most the first `limit` characters (Unicode code points) of a UTF-8 text. Where something
+/// was cut off, the last of them is "…".
+std::string shortenedText(std::string_view text, std::size_t limit);
+
+/// The text fit for one line of a terminal: control characters become blanks, bytes that are not
+/// UTF-8 become U+FFFD.
+std::string printable(std::string_view text);
+
+}  // namespace fleetwise

@@ -98,12 +98,9 @@ TEST(Json, keepsUnknownMembersAndReadsTypedOnes) {
     EXPECT_EQ(encodeJson(Json{{"bad", "\xff"}}), "{\"bad\":\"\xEF\xBF\xBD\"}");
 }
 
-/// The text with the parser's padding behind it.
-bool readObject(std::string text, const std::function<void(JsonObject&)>& visit) {
-    const std::size_t size = text.size();
-    text.resize(size + jsonPadding, 'x');
-    JsonReader reader;
-    return reader.readObject(std::string_view(text).substr(0, size), visit);
+std::string padded(std::string text) {
+    text.reserve(text.size() + jsonPadding);
+    return text;
 }
 
 TEST(JsonReader, acceptsOneWholeObjectOnly) {
@@ -120,6 +117,10 @@ TEST(JsonReader, acceptsOneWholeObjectOnly) {
         {"text", "\"a\"", false},
         {"torn in a string", R"({"a":"b)", false},
         {"torn behind a value", R"({"a":{"b":1})", false},
+        {"unbalanced", R"({"b":[{"a":1}})", false},
+        {"no colon", R"({"b" 1,"a":1})", false},
+        {"no value", R"({"b":,"a":1})", false},
+        {"no comma", R"({"b":1 "a":1})", false},
         {"two objects", "{}{}", false},
         {"garbage behind", R"({"a":1}x)", false},
         {"not UTF-8", "{\"a\":\"\xff\"}", false},
@@ -127,27 +128,65 @@ TEST(JsonReader, acceptsOneWholeObjectOnly) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(
-            readObject(row.text,
-                       [](JsonObject& object) { memberIfPresent<std::int64_t>(object, "a"); }),
-            row.isObject);
+        const std::string text = padded(row.text);
+        JsonReader reader;
+        EXPECT_EQ(reader.readObject(text,
+                                    [](JsonObject& object) {
+                                        for (const char* key : {"a", "z", "a", "b"}) {
+                                            memberIfPresent<std::int64_t>(object, key);
+                                        }
+                                    }),
+                  row.isObject);
+        EXPECT_EQ(reader.walkObject(text,
+                                    [](JsonObject& object) {
+                                        for (auto field : object) {
+                                            JsonValue value;
+                                            if (field.value().get(value)) return;
+                                            if (!readValue<std::int64_t>(value)) return;
+                                        }
+                                    }),
+                  row.isObject);
     }
 }
 
-TEST(JsonReader, tellsAbsentFromWrongType) {
-    const bool isObject = readObject(
-        R"({"text":"a\u00e4\n","whole":3.0,"half":1.5,"null":null,"big":1e300})",
-        [](JsonObject& object) {
-            EXPECT_EQ(readMember<double>(object, "half")->value(), 1.5);
-            EXPECT_EQ(readMember<std::int64_t>(object, "whole")->value(), 3);
-            EXPECT_EQ(readMember<std::string_view>(object, "text")->value(), "aä\n");
-            EXPECT_EQ(readMember<std::int64_t>(object, "half").error(), JsonFault::wrongType);
-            EXPECT_EQ(readMember<std::int64_t>(object, "big").error(), JsonFault::wrongType);
-            EXPECT_EQ(readMember<JsonObject>(object, "text").error(), JsonFault::wrongType);
-            EXPECT_FALSE(readMember<double>(object, "null")->has_value());
-            EXPECT_FALSE(readMember<double>(object, "missing")->has_value());
-            EXPECT_FALSE(memberIfPresent<bool>(object, "text"));
+TEST(JsonReader, mendsTextsCutWithinAnEmoji) {
+    const struct {
+        const char* written;
+        const char* read;
+    } rows[] = {
+        {R"({"t":"cut \ud83d"})", "cut \xEF\xBF\xBD"},
+        {R"({"t":"\uDE00 cut"})", "\xEF\xBF\xBD cut"},
+        {R"({"t":"\ud83d\ud83d\ude00"})", "\xEF\xBF\xBD\xF0\x9F\x98\x80"},
+        {R"({"t":"\\ud83d"})", R"(\ud83d)"},
+        {R"({"t":"\ud83d\ude00"})", "\xF0\x9F\x98\x80"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.written);
+        JsonReader reader;
+        const bool isObject = reader.readObject(padded(row.written), [&](JsonObject& object) {
+            EXPECT_EQ(memberIfPresent<std::string_view>(object, "t"), row.read);
         });
+        EXPECT_TRUE(isObject);
+    }
+    EXPECT_FALSE(withoutLoneSurrogates(R"({"t":"\u00e4 \" \\ \ud83d\ude00"})"));
+    EXPECT_FALSE(withoutLoneSurrogates("\\"));
+    EXPECT_FALSE(withoutLoneSurrogates("\\u12"));
+}
+
+TEST(JsonReader, tellsAbsentFromWrongType) {
+    const std::string text =
+        padded(R"({"text":"a\u00e4\n","whole":3.0,"half":1.5,"null":null,"big":1e300})");
+    const bool isObject = JsonReader().readObject(text, [](JsonObject& object) {
+        EXPECT_EQ(readMember<double>(object, "half")->value(), 1.5);
+        EXPECT_EQ(readMember<std::int64_t>(object, "whole")->value(), 3);
+        EXPECT_EQ(readMember<std::string_view>(object, "text")->value(), "aä\n");
+        EXPECT_EQ(readMember<std::int64_t>(object, "half").error(), JsonFault::wrongType);
+        EXPECT_EQ(readMember<std::int64_t>(object, "big").error(), JsonFault::wrongType);
+        EXPECT_EQ(readMember<JsonObject>(object, "text").error(), JsonFault::wrongType);
+        EXPECT_FALSE(readMember<double>(object, "null")->has_value());
+        EXPECT_FALSE(readMember<double>(object, "missing")->has_value());
+        EXPECT_FALSE(memberIfPresent<bool>(object, "text"));
+    });
     EXPECT_TRUE(isObject);
 }
 

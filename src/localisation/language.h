@@ -1,0 +1,30 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fleetwise {
+
+/// The languages the interface can be set to, as ISO 639-1 codes. German is the source language.
+inline constexpr std::array<std::string_view, 6> interfaceLanguages{"de", "en", "fr",
+                                                                    "es", "it", "pl"};
+
+/// The value of an environment variable; nothing where it is not set.
+using EnvironmentLookup = std::function<std::optional<std::string>(const std::string& name)>;
+
+/// The languages of the user, the preferred one first, as tags such as "de-AT" or "en". By the
+/// rules of GNU gettext: the locale is the first of LC_ALL, LC_MESSAGES and LANG that is set and
+/// not empty; "C" and "POSIX" mean no language at all; otherwise the list LANGUAGE, where it
+/// names any, stands for the locale's own language.
+std::vector<std::string> preferredLanguages(const EnvironmentLookup& environment);
+
+/// The language of the interface, one of interfaceLanguages. A `setting` that names one of them
+/// is taken; any other, such as "system", leaves it to the first preferred language that is among
+/// them whatever its region, and to German where none is.
+std::string interfaceLanguage(std::string_view setting, const std::vector<std::string>& preferred);
+
+}  // namespace fleetwise

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "localisation/strings_table.h"
+
+#include <fmt/printf.h>
+
+#include <string>
+#include <string_view>
+
+namespace fleetwise {
+
+/// A text of the interface: its German wording, which is also its key in the tables of the other
+/// languages. Made only by the literal "…"_text, so that a test finds every one in the sources.
+struct Text {
+    std::string_view german;
+};
+
+consteval Text operator""_text(const char* text, std::size_t length) {
+    return {std::string_view(text, length)};
+}
+
+/// Makes `language` (one of interfaceLanguages) the one that numbers are written in from now on,
+/// and `table` the one that texts are looked up in; an empty table means German. Until the first
+/// call all is German. Any thread.
+void setInterfaceLanguage(std::string language, StringsTable table);
+
+/// The language given last, "de" before. Any thread.
+std::string interfaceLanguageInUse();
+
+/// The text in the interface language; its German wording where the table does not have it.
+/// Any thread.
+std::string localised(Text text);
+
+/// The text in the interface language in the form that printf takes. A translation whose
+/// placeholders are not those of the German wording is passed over in favour of that.
+std::string localisedPattern(Text text);
+
+/// As localised, with the placeholders filled in order: "%@" a text, "%d" a whole number, "%.1f" a
+/// figure, "%%" a per cent sign (TextPattern has the form). The arguments must fit the German
+/// wording; where they do not, it is returned as it stands.
+template <typename... Arguments>
+std::string localisedFormat(Text text, const Arguments&... arguments) {
+    try {
+        return fmt::sprintf(localisedPattern(text), arguments...);
+    } catch (const fmt::format_error&) {
+        return std::string(text.german);
+    }
+}
+
+}  // namespace fleetwise

@@ -1,0 +1,78 @@
+#include "sources/paths.h"
+
+#include "foundation/atomic_file.h"
+#include "foundation/directory.h"
+
+#include <cstdlib>
+#include <mutex>
+
+namespace fleetwise {
+
+namespace {
+
+std::mutex homeLock;
+std::string homeFolder;  // guarded by homeLock; empty until the first call
+
+std::string inHome(std::string_view path) {
+    return joinPath(Paths::home(), path);
+}
+std::string inState(std::string_view path) {
+    return joinPath(Paths::stateDir(), path);
+}
+
+}  // namespace
+
+std::string Paths::home() {
+    const std::lock_guard guard(homeLock);
+    if (homeFolder.empty()) {
+        const char* environment = std::getenv("HOME");
+        homeFolder = environment != nullptr && *environment != '\0' ? environment : "/";
+    }
+    return homeFolder;
+}
+
+void Paths::setHome(std::string home) {
+    const std::lock_guard guard(homeLock);
+    homeFolder = std::move(home);
+}
+
+std::string Paths::stateDir() {
+    return joinPath(inHome(".claude"), Brand::stateDirName);
+}
+std::string Paths::statusDir() {
+    return inState("status");
+}
+std::string Paths::installedHook() {
+    return inState("fleetwise-hook");
+}
+std::string Paths::hostsFile() {
+    return inState("hosts.json");
+}
+std::string Paths::stallsFile() {
+    return inState("stalls.json");
+}
+std::string Paths::settingsFile() {
+    return inHome(".claude/settings.json");
+}
+std::string Paths::sessionsDir() {
+    return inHome(".claude/sessions");
+}
+std::string Paths::projectsDir() {
+    return inHome(".claude/projects");
+}
+std::string Paths::tasksDir() {
+    return inHome(".claude/tasks");
+}
+std::string Paths::promptHistoryFile() {
+    return inHome(".claude/history.jsonl");
+}
+
+std::string Paths::desktopCodeSessions() {
+    return inHome("Library/Application Support/Claude/claude-code-sessions");
+}
+
+tl::expected<void, std::error_code> Paths::ensureStateDirectories() {
+    return makePrivateDirectory(statusDir());
+}
+
+}  // namespace fleetwise

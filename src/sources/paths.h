@@ -1,0 +1,42 @@
+#pragma once
+
+#include <tl/expected.hpp>
+
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace fleetwise {
+
+/// The program's own name where files carry it.
+struct Brand {
+    static constexpr std::string_view stateDirName = "fleetwise";
+    static constexpr std::string_view bundleName = "Fleetwise";
+};
+
+/// The fixed locations, all below the user's home folder.
+class Paths {
+public:
+    /// $HOME as it was at the first call, or what setHome put in its place.
+    static std::string home();
+
+    /// For tests and for tools that look at another home.
+    static void setHome(std::string home);
+
+    static std::string stateDir();             ///< ~/.claude/fleetwise: everything of our own
+    static std::string statusDir();            ///< the hook's status files, in the state folder
+    static std::string installedHook();        ///< the installed hook program
+    static std::string hostsFile();            ///< the host applications remembered
+    static std::string stallsFile();           ///< the recorded stalls of the main thread
+    static std::string settingsFile();         ///< Claude Code's user settings
+    static std::string sessionsDir();          ///< Claude Code's registry of running sessions
+    static std::string projectsDir();          ///< Claude Code's transcripts
+    static std::string tasksDir();             ///< Claude Code's task lists
+    static std::string promptHistoryFile();    ///< Claude Code's prompt history
+    static std::string desktopCodeSessions();  ///< the desktop app's session metadata
+
+    /// Creates the state folder and its "status" folder, mode 0700.
+    static tl::expected<void, std::error_code> ensureStateDirectories();
+};
+
+}  // namespace fleetwise

@@ -1,0 +1,223 @@
+#include "fleet/collection_pass.h"
+
+#include <algorithm>
+
+namespace fleetwise {
+
+namespace {
+
+constexpr Seconds settlingTime{1};
+constexpr Seconds statusFileLifetime{2'592'000};
+
+}  // namespace
+
+CollectionPass::CollectionPass(const FleetSnapshot::Input& givenInput,
+                               const FleetSnapshot::Sources& givenSources, Date givenNow)
+    : input(givenInput),
+      sources(givenSources),
+      now(givenNow),
+      rules{.now = givenNow, .doneGracePeriod = givenInput.doneGracePeriod} {}
+
+void CollectionPass::loadDesktopMetadata() {
+    if (sources.desktopSessions) desktopSessions = sources.desktopSessions(skippedDesktop);
+}
+
+void CollectionPass::loadStatusRecords() {
+    records = StatusStore::load(sources.statusDirectory, skippedStatus);
+}
+
+void CollectionPass::addLiveSessions() {
+    for (const auto& entry : SessionRegistry::liveEntries(sources.sessionsDirectory,
+                                                          sources.processes, skippedRegistry)) {
+        Session session = liveSession(entry, recordOf(entry.sessionId), desktopOf(entry.sessionId),
+                                      rules, isUnsettled);
+        findHost(session);
+        add(std::move(session));
+    }
+}
+
+void CollectionPass::addDormantSessions() {
+    transcripts = SessionHistory::transcripts(sources.projectsDirectory, skippedTranscripts);
+    for (const auto& candidate : SessionHistory::candidates(
+             input.dormantMaxAge, desktopSessions, input.keepRegardlessOfAge, transcripts, now)) {
+        const std::string& id = candidate.sessionId;
+        if (isListed(id) || !mayList(id)) continue;
+        add(dormantSession(candidate, recordOf(id), desktopOf(id)));
+    }
+}
+
+void CollectionPass::addCodexSessions() {
+    if (!sources.rollouts) return;
+    for (const auto& rollout : sources.rollouts(now)) {
+        rolloutIds.insert(rollout.sessionId);
+        if (isListed(rollout.sessionId)) continue;
+        Session session = codexSession(rollout, rules);
+        if (session.isLive || (isRecentEnough(session) && mayList(session.id))) {
+            add(std::move(session));
+        }
+    }
+}
+
+void CollectionPass::addForeignSessions() {
+    for (const auto& [id, record] : records) {
+        if (isListed(id) || isEndedSessionOfKnownAgent(*record)) continue;
+        Session session = foreignSession(*record, rules);
+        if ((session.isLive || isRecentEnough(session)) && mayList(id)) add(std::move(session));
+    }
+}
+
+void CollectionPass::hideCodex() {
+    if (!input.showsCodex) {
+        collection.sessions = FleetSnapshot::withoutCodex(std::move(collection.sessions));
+    }
+}
+
+void CollectionPass::describeSessions() {
+    for (Session& session : collection.sessions) {
+        std::map<std::string, TaskEnding> endings;
+        if (session.agent.isClaude()) {
+            if (const auto file = transcriptOf(session)) {
+                endings = describeFromTranscript(session, *file);
+            }
+            session.tasks = sources.tasks.progress(session.id, skippedTasks);
+        }
+        describeBackground(session, endings);
+        if (session.cwd) session.gitBranch = sources.git.branch(*session.cwd, now);
+        session.isFavorite = input.keepRegardlessOfAge.contains(session.id);
+        const DesktopMetadata* desktop = desktopOf(session.id);
+        if (desktop != nullptr && desktop->title && session.title == desktop->title) {
+            collection.titledByDesktop.insert(session.id);
+        }
+    }
+}
+
+void CollectionPass::prune() {
+    std::set<std::string> ids;
+    std::set<std::string> folders;
+    std::set<std::string> paths;
+    std::set<std::int32_t> pids;
+    for (const Session& session : collection.sessions) {
+        ids.insert(session.id);
+        if (session.cwd) folders.insert(*session.cwd);
+        if (session.pid) pids.insert(*session.pid);
+        if (const auto file = transcripts.find(session.id); file != transcripts.end()) {
+            paths.insert(file->second.path);
+        }
+    }
+    StatusStore::prune(ids, statusFileLifetime, sources.statusDirectory, now);
+    sources.backgroundTasks.prune(ids);
+    sources.git.retain(folders);
+    sources.processTree.forgetAllBut(pids);
+    sources.transcripts.retain(paths);
+}
+
+void CollectionPass::sort() {
+    std::stable_sort(collection.sessions.begin(), collection.sessions.end(), Session::precedes);
+}
+
+FleetSnapshot::Collection CollectionPass::takeCollection() {
+    if (isUnsettled) collection.recheckIn = settlingTime;
+    for (const auto& [source, tally] :
+         {std::pair("Desktop", skippedDesktop), std::pair("Status", skippedStatus),
+          std::pair("Registry", skippedRegistry), std::pair("Transkripte", skippedTranscripts),
+          std::pair("Aufgaben", skippedTasks)}) {
+        if (tally.total() > 0) collection.skipped.emplace_back(source, tally);
+    }
+    return std::move(collection);
+}
+
+bool CollectionPass::mayList(const std::string& id) {
+    if (!input.dismissed.contains(id)) return true;
+    collection.leftOut.insert(id);
+    return false;
+}
+
+bool CollectionPass::isRecentEnough(const Session& session) const {
+    if (!input.dormantMaxAge || input.keepRegardlessOfAge.contains(session.id)) return true;
+    return session.lastActivityAt && now - *session.lastActivityAt < *input.dormantMaxAge;
+}
+
+bool CollectionPass::isEndedSessionOfKnownAgent(const StatusStore::Record& record) const {
+    const SessionAgent agent(record.agent.value_or(std::string()));
+    if (!agent.isClaude() && !agent.isCodex()) return false;
+    return record.state == rawValue(SessionState::dormant) ||
+           transcripts.contains(record.sessionId) || rolloutIds.contains(record.sessionId);
+}
+
+void CollectionPass::add(Session session) {
+    listed.insert(session.id);
+    collection.sessions.push_back(std::move(session));
+}
+
+const StatusStore::Record* CollectionPass::recordOf(const std::string& id) const {
+    const auto found = records.find(id);
+    return found == records.end() ? nullptr : found->second.get();
+}
+
+const DesktopMetadata* CollectionPass::desktopOf(const std::string& id) const {
+    const auto found = desktopSessions.find(id);
+    return found == desktopSessions.end() ? nullptr : &found->second;
+}
+
+std::optional<TranscriptFile> CollectionPass::transcriptOf(const Session& session) const {
+    // The listing of this pass has found nearly every transcript; only one that came after it is
+    // looked for by its path.
+    if (const auto found = transcripts.find(session.id); found != transcripts.end()) {
+        return found->second;
+    }
+    const auto path = sources.transcripts.transcriptURL(session.id, session.cwd);
+    if (!path) return {};
+    const auto entry = inspectFile(*path);
+    if (!entry || entry->kind != FileKind::regular) return {};
+    return TranscriptFile{.path = *path, .stamp = entry->stamp};
+}
+
+void CollectionPass::findHost(Session& session) {
+    if (!session.pid) return;
+    if (const auto host = sources.processTree.guiAncestor(*session.pid)) {
+        session.hostApp = host->name;
+        session.hostBundleId = host->bundleId;
+    }
+}
+
+std::map<std::string, TaskEnding> CollectionPass::describeFromTranscript(
+    Session& session, const TranscriptFile& file) {
+    std::map<std::string, TaskEnding> endings;
+    const DesktopMetadata* desktop = desktopOf(session.id);
+    if (input.includeStats) {
+        if (auto reading = sources.transcripts.read(file)) {
+            session.stats = std::move(reading->stats);
+            session.model = session.stats->model;
+            session.federationId = std::move(reading->federationId);
+            if (!session.effort) session.effort = std::move(reading->effort);
+            if (!session.cwd) session.cwd = session.stats->cwd;
+            endings = std::move(reading->taskEndings);
+        }
+    }
+    if (!session.model && desktop != nullptr) session.model = desktop->model;
+    if (!session.title || !session.cwd) {
+        const auto label = sources.transcripts.label(file);
+        if (!session.title) session.title = label.text();
+        if (!session.cwd) session.cwd = label.cwd;
+    }
+    const Date modified = modificationDate(file.stamp);
+    session.lastActivityAt = std::max(session.lastActivityAt.value_or(modified), modified);
+    return endings;
+}
+
+void CollectionPass::describeBackground(Session& session,
+                                        const std::map<std::string, TaskEnding>& endings) {
+    const StatusStore::Record* record = recordOf(session.id);
+    static const BackgroundTaskStore::Launches noLaunches;
+    const auto& launches = record != nullptr ? record->background : noLaunches;
+    BackgroundTaskStore::Surroundings around;
+    around.agentIsLive = session.isLive;
+    around.endings = &endings;
+    if (!launches.empty() && session.cwd) {
+        around.outputDirectory =
+            backgroundOutputDirectory(session.id, *session.cwd, sources.userId);
+    }
+    session.backgroundTasks = sources.backgroundTasks.tasks(session.id, launches, around, now);
+}
+
+}  // namespace fleetwise

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "cost/transcript_reader.h"
+#include "fleet/session.h"
+#include "foundation/skip_tally.h"
+#include "sources/background_task_store.h"
+#include "sources/codex_rollout.h"
+#include "sources/desktop_metadata.h"
+#include "sources/git_store.h"
+#include "sources/process_table.h"
+#include "sources/process_tree.h"
+#include "sources/task_list_store.h"
+
+#include <array>
+#include <functional>
+#include <mutex>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace fleetwise {
+
+/// One collection pass over all sources: their files in, one sorted list of sessions out. Any
+/// thread may run a pass, and several at once.
+class FleetSnapshot {
+public:
+    struct Input {
+        /// How far back ended sessions are listed; nothing: no limit; 0: only the kept ones.
+        std::optional<Seconds> dormantMaxAge;
+        /// Ids that the user removed from the list. A session whose process runs is listed
+        /// nevertheless: it may have a question.
+        std::set<std::string> dismissed;
+        /// The favourites: listed as dormant whatever their age.
+        std::set<std::string> keepRegardlessOfAge;
+        /// How long a finished session keeps its claim on attention.
+        Seconds doneGracePeriod{0};
+        bool includeStats = true;
+        bool showsCodex = true;
+    };
+
+    /// Where a pass reads, and the stores that remember what it read before. All outlive it.
+    struct Sources {
+        std::string statusDirectory;
+        std::string sessionsDirectory;
+        std::string projectsDirectory;
+        std::uint32_t userId = 0;  ///< part of the place of background output
+        const ProcessTable& processes;
+        ProcessTree& processTree;
+        TranscriptReader& transcripts;
+        TaskListStore& tasks;
+        BackgroundTaskStore& backgroundTasks;
+        GitStore& git;
+        /// The desktop app's sessions and the Codex rollouts; a source that is not there is an
+        /// empty function.
+        std::function<DesktopSessions(SkipTally&)> desktopSessions;
+        std::function<std::vector<CodexRollout>(Date now)> rollouts;
+    };
+
+    /// Phase name and milliseconds.
+    using Timing = std::pair<std::string, double>;
+
+    /// What passes share: process-wide through Sources of one run, or a test's own.
+    struct Shared {
+        std::mutex lock;
+        std::vector<Timing> timings;  ///< of the last pass, in order; guarded by `lock`
+        Date lastPrune;               ///< guarded by `lock`
+
+        /// Whether `every` has passed since the last pruning; if so this one is it. Of passes at
+        /// the same moment only one is told to prune.
+        bool shouldPrune(Date now, Seconds every);
+    };
+
+    /// What a pass found.
+    struct Collection {
+        std::vector<Session> sessions;  ///< sorted by Session::precedes
+        /// Ids left out because they are dismissed: they still exist.
+        std::set<std::string> leftOut;
+        /// Ids whose title is the desktop app's.
+        std::set<std::string> titledByDesktop;
+        /// Some state is settled only later: another pass is wanted after this time.
+        std::optional<Seconds> recheckIn;
+        std::vector<std::pair<std::string, SkipTally>> skipped;  ///< per source, where any were
+    };
+
+    static Collection collect(const Input& input, const Sources& sources, Shared& shared, Date now);
+
+    /// A working or finished session with subagents whose last event is at most 1200 s old waits
+    /// for them.
+    static SessionState waitingForSubagents(SessionState state, std::int64_t subagents,
+                                            std::optional<Date> lastEventAt, Date now);
+
+    /// The states that a planned wake-up takes precedence over.
+    static constexpr std::array yieldsToSchedule{SessionState::waiting, SessionState::done,
+                                                 SessionState::idle};
+
+    /// `scheduled` while a planned wake-up lies ahead of a state that yields to it.
+    static SessionState effectiveState(SessionState state, std::optional<Date> wakeupAt, Date now);
+
+    static std::vector<Session> withoutCodex(std::vector<Session> sessions);
+};
+
+}  // namespace fleetwise

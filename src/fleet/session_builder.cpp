@@ -1,0 +1,172 @@
+// Which source fills which field. Each function below takes one source; the order in which a
+// builder calls them is the order of precedence, since a field that is filled stays as it is.
+
+#include "fleet/session_builder.h"
+
+#include "fleet/fleet_snapshot.h"
+
+#include <algorithm>
+
+namespace fleetwise {
+
+namespace {
+
+constexpr Seconds foreignLiveTime{86'400};
+
+template <typename Value>
+void fill(std::optional<Value>& field, const std::optional<Value>& value) {
+    if (!field) field = value;
+}
+
+void noteActivity(Session& session, const std::optional<Date>& date) {
+    if (date) session.lastActivityAt = std::max(session.lastActivityAt.value_or(*date), *date);
+}
+
+/// When the recorded state began.
+Date recordedSince(const StatusStore::Record& record, SessionState state) {
+    if (state == SessionState::done && record.doneAt) return *record.doneAt;
+    if (isBusy(state) && record.turnStartedAt) return *record.turnStartedAt;
+    return lastEventDate(record);
+}
+
+void takeRecord(Session& session, const StatusStore::Record& record) {
+    session.agent = SessionAgent(record.agent.value_or(std::string()));
+    session.lastEventAt = lastEventDate(record);
+    session.lastEvent = record.event;
+    session.wakeupAt = record.wakeupAt;
+    session.lastTool = record.tool;
+    session.activity = record.activity;
+    session.lastMessage = record.message;
+    session.turnStartedAt = record.turnStartedAt;
+    session.subagentCount = std::max<std::int64_t>(0, record.subagents.value_or(0));
+    session.monitors = StatusStore::watches(&record);
+    fill(session.cwd, record.cwd);
+    fill(session.permissionMode, record.permissionMode);
+    noteActivity(session, session.lastEventAt);
+}
+
+void takeDesktop(Session& session, const DesktopMetadata& desktop) {
+    fill(session.title, desktop.title);
+    fill(session.cwd, desktop.cwd);
+    fill(session.effort, desktop.effort);
+    fill(session.permissionMode, desktop.permissionMode);
+    session.desktopError = desktop.error;
+    noteActivity(session, desktop.lastActivityAt);
+}
+
+SessionState repairedState(const StatusStore::Record& record) {
+    return StatusStore::repairedState(record.state, record.event, record.subagents);
+}
+
+/// The reported state as it is shown: with subagents still running, with its claim on attention
+/// run out, or planned for later.
+void showState(Session& session, const StateFinding& finding, const BuildingRules& rules) {
+    session.state = FleetSnapshot::waitingForSubagents(finding.state, session.subagentCount,
+                                                       session.lastEventAt, rules.now);
+    const bool claimsAttention =
+        session.state == SessionState::done || session.state == SessionState::failed;
+    if (claimsAttention && session.stateSince &&
+        rules.now - *session.stateSince > rules.doneGracePeriod) {
+        session.state = SessionState::idle;
+    }
+    session.state = FleetSnapshot::effectiveState(session.state, session.wakeupAt, rules.now);
+}
+
+/// An error that the desktop app reported after the last event ended the turn.
+void applyDesktopError(Session& session, StateFinding& finding, const DesktopMetadata* desktop) {
+    if (desktop == nullptr || !desktop->error || !desktop->errorAt) return;
+    if (session.lastEventAt && *desktop->errorAt <= *session.lastEventAt) return;
+    finding.state = SessionState::failed;
+    session.stateSince = desktop->errorAt;
+}
+
+}  // namespace
+
+Date lastEventDate(const StatusStore::Record& record) {
+    return record.eventTs.value_or(record.ts);
+}
+
+Session liveSession(const SessionRegistry::Entry& entry, const StatusStore::Record* record,
+                    const DesktopMetadata* desktop, const BuildingRules& rules, bool& isUnsettled) {
+    Session session;
+    session.id = entry.sessionId;
+    session.pid = entry.pid;
+    session.isLive = true;
+    session.origin = sessionOriginFrom(entry.entrypoint);
+    session.name = entry.userGivenName();
+    session.cwd = entry.cwd;
+    if (entry.startedAt) session.startedAt = dateFromMilliseconds(*entry.startedAt);
+    if (record != nullptr) takeRecord(session, *record);
+    if (desktop != nullptr) takeDesktop(session, *desktop);
+    noteActivity(session, session.startedAt);
+    noteActivity(session, entry.statusUpdatedAt);
+
+    std::optional<SessionState> recorded;
+    if (record != nullptr) recorded = repairedState(*record);
+    StateFinding finding = reconciledState(recorded, session.lastEventAt, entry, rules.now);
+    isUnsettled = isUnsettled || finding.isUnsettled;
+    if (finding.toldByRegistryAt) {
+        session.stateSince = finding.toldByRegistryAt;
+    } else if (record != nullptr) {
+        session.stateSince = recordedSince(*record, finding.state);
+    }
+    applyDesktopError(session, finding, desktop);
+    showState(session, finding, rules);
+    return session;
+}
+
+Session dormantSession(const SessionHistory::Candidate& candidate,
+                       const StatusStore::Record* record, const DesktopMetadata* desktop) {
+    Session session;
+    session.id = candidate.sessionId;
+    session.origin = candidate.origin;
+    if (record != nullptr) takeRecord(session, *record);
+    if (desktop != nullptr) takeDesktop(session, *desktop);
+    fill(session.cwd, candidate.cwd);
+    fill(session.title, candidate.title);
+    fill(session.effort, candidate.effort);
+    noteActivity(session, candidate.lastActivityAt);
+    // What ran when the process ended runs no longer.
+    session.subagentCount = 0;
+    session.wakeupAt.reset();
+    session.monitors.clear();
+    session.state = SessionState::dormant;
+    session.stateSince = session.lastActivityAt;
+    return session;
+}
+
+Session foreignSession(const StatusStore::Record& record, const BuildingRules& rules) {
+    Session session;
+    session.id = record.sessionId;
+    takeRecord(session, record);
+    const StateFinding finding{.state = repairedState(record)};
+    session.isLive = finding.state != SessionState::dormant &&
+                     rules.now - *session.lastEventAt < foreignLiveTime;
+    if (!session.isLive) {
+        session.state = SessionState::dormant;
+        session.stateSince = session.lastEventAt;
+        return session;
+    }
+    session.stateSince = recordedSince(record, finding.state);
+    showState(session, finding, rules);
+    return session;
+}
+
+Session codexSession(const CodexRollout& rollout, const BuildingRules& rules) {
+    Session session;
+    session.id = rollout.sessionId;
+    session.agent = SessionAgent("codex");
+    session.title = rollout.title;
+    session.cwd = rollout.cwd;
+    session.startedAt = rollout.startedAt;
+    session.lastEventAt = rollout.lastEventAt;
+    session.lastActivityAt = rollout.lastEventAt;
+    session.stateSince = rollout.lastEventAt;
+    session.codexContextWindow = rollout.contextWindow;
+    session.stats = TranscriptReader::Stats{.contextTokens = rollout.contextTokens,
+                                            .outputTokens = rollout.outputTokens};
+    showState(session, {.state = rollout.state}, rules);
+    return session;
+}
+
+}  // namespace fleetwise

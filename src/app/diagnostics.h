@@ -1,0 +1,39 @@
+#pragma once
+
+#include "fleet/fleet_snapshot.h"
+#include "reactions/stall.h"
+
+#include <string>
+#include <vector>
+
+namespace fleetwise {
+
+/// Everything that the diagnostic report tells.
+struct Diagnostics {
+    Date now;
+    Calendar calendar = nullptr;
+    std::string home;  ///< shown as "~" in paths
+
+    std::string registryDirectory;
+    std::string statusDirectory;
+    std::string desktopDirectory;
+    bool hooksInstalled = false;
+    bool hookIsCurrent = true;
+
+    std::vector<std::string> preferredLanguages;
+    std::string languageSetting;
+    std::string interfaceLanguage;
+
+    double firstMilliseconds = 0;  ///< of the first pass
+    double warmMilliseconds = 0;   ///< of a second pass right after it
+    std::vector<FleetSnapshot::Timing> timings;
+    std::vector<Stall> stalls;  ///< oldest first
+
+    FleetSnapshot::Collection collection;
+};
+
+/// The report as it is printed. Its own words are German whatever the interface language, so that
+/// a report reads the same on every machine.
+std::string diagnosticReport(const Diagnostics& diagnostics);
+
+}  // namespace fleetwise

@@ -1,0 +1,24 @@
+#include "app/environment.h"
+
+#include <QCoreApplication>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace fleetwise {
+
+std::optional<std::string> environmentVariable(const std::string& name) {
+    const char* value = std::getenv(name.c_str());
+    if (value == nullptr) return {};
+    return value;
+}
+
+std::optional<std::string> programResource(const std::string& name) {
+    const std::filesystem::path folder = QCoreApplication::applicationDirPath().toStdString();
+    const std::filesystem::path resource = folder.parent_path() / name;
+    std::error_code ignored;
+    if (!std::filesystem::exists(resource, ignored)) return {};
+    return resource.string();
+}
+
+}  // namespace fleetwise

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace fleetwise {
+
+/// The environment variable `name`; nothing where it is not set.
+std::optional<std::string> environmentVariable(const std::string& name);
+
+/// The resource `name` (such as "share/fleetwise" or "lib/fleetwise/fleetwise-hook") of this
+/// program: below the folder that holds the program's own folder, so that the build tree and the
+/// installation are found alike. Nothing where there is none.
+std::optional<std::string> programResource(const std::string& name);
+
+}  // namespace fleetwise

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "fleet/fleet_snapshot.h"
+#include "sources/process_tree.h"
+
+namespace fleetwise {
+
+/// The sources of this machine and this user, with the stores that a process needs once.
+class MachineSources {
+public:
+    MachineSources();
+
+    FleetSnapshot::Sources sources();
+
+private:
+    ProcessTree processTree;
+    TranscriptReader transcripts;
+    TaskListStore tasks;
+    BackgroundTaskStore backgroundTasks;
+    GitStore git;
+};
+
+}  // namespace fleetwise

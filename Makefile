@@ -1,0 +1,53 @@
+# The short way to each task; the work is done by the CMake presets and the scripts.
+
+PREFIX ?= /usr/local
+presets := dev release asan tsan fuzz bench
+configured := $(presets:%=configure-%)
+built := $(presets:%=build-%)
+
+.PHONY: run test install bench asan tsan fuzz format format-check tidy clean
+.PHONY: packages check-packages $(configured) $(built)
+.NOTPARALLEL:
+
+# Without a display the program prints its report.
+run: build-release
+	build/release/bin/fleetwise --dump
+
+test: build-dev
+	ctest --preset dev
+
+install: build-release
+	cmake --install build/release --prefix "$(PREFIX)"
+
+bench: build-bench
+	build/bench/bin/fleetwise-bench
+
+asan tsan: %: build-%
+	ctest --preset $@
+
+fuzz: check-packages build-fuzz
+	scripts/fuzz
+
+format: check-packages
+	scripts/format
+
+format-check: check-packages
+	scripts/format --check
+
+tidy: check-packages configure-dev
+	scripts/tidy
+
+clean:
+	rm -rf build
+
+packages:
+	scripts/install-packages
+
+check-packages:
+	scripts/install-packages --checks
+
+$(configured): configure-%: packages
+	cmake --preset $*
+
+$(built): build-%: configure-%
+	cmake --build --preset $*

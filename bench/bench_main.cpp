@@ -1,0 +1,108 @@
+// fleetwise-bench pass HOME [N]: collects the fleet of the home folder HOME once cold and N times
+// warm (20 unless given), as the application with its default settings does, and prints one JSON
+// object on one line:
+// {"firstMs":…,"warmMs":… (median),"phases":{"name":ms,…} (of the median pass),"sessions":…,
+//  "peakMiB":…}
+
+#include "app/machine_sources.h"
+#include "foundation/user_defaults.h"
+#include "monitor/settings.h"
+#include "sources/paths.h"
+
+#include <nlohmann/json.hpp>
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+namespace fleetwise {
+namespace {
+
+constexpr int usualRepetitions = 20;
+
+struct Measurement {
+    double milliseconds = 0;
+    std::vector<FleetSnapshot::Timing> phases;
+    std::size_t sessions = 0;
+};
+
+Measurement measuredPass(const FleetSnapshot::Input& input, const FleetSnapshot::Sources& sources,
+                         FleetSnapshot::Shared& shared) {
+    const auto start = std::chrono::steady_clock::now();
+    const auto collection = FleetSnapshot::collect(input, sources, shared, currentDate());
+    const std::chrono::duration<double, std::milli> taken =
+        std::chrono::steady_clock::now() - start;
+    return {.milliseconds = taken.count(),
+            .phases = shared.timings,
+            .sessions = collection.sessions.size()};
+}
+
+/// The largest resident size of this process so far.
+double peakMebibytes() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+#ifdef __APPLE__
+    return static_cast<double>(usage.ru_maxrss) / (1 << 20);
+#else
+    return static_cast<double>(usage.ru_maxrss) / (1 << 10);
+#endif
+}
+
+double rounded(double value) {
+    return std::round(value * 1000) / 1000;
+}
+
+int benchPass(const std::string& home, int repetitions) {
+    Paths::setHome(home);
+    InMemoryUserDefaults defaults;
+    const FleetSnapshot::Input input = Settings(defaults).snapshotInput();
+    MachineSources machine;
+    const FleetSnapshot::Sources sources = machine.sources();
+    FleetSnapshot::Shared shared;
+
+    const Measurement first = measuredPass(input, sources, shared);
+    std::vector<Measurement> warm;
+    for (int pass = 0; pass < repetitions; ++pass) {
+        warm.push_back(measuredPass(input, sources, shared));
+    }
+    const auto middle = warm.begin() + std::ssize(warm) / 2;
+    std::nth_element(warm.begin(), middle, warm.end(), [](const auto& left, const auto& right) {
+        return left.milliseconds < right.milliseconds;
+    });
+
+    nlohmann::ordered_json phases = nlohmann::ordered_json::object();
+    for (const auto& [name, milliseconds] : middle->phases)
+        phases[name] = rounded(milliseconds);
+    const nlohmann::ordered_json result{{"firstMs", rounded(first.milliseconds)},
+                                        {"warmMs", rounded(middle->milliseconds)},
+                                        {"phases", std::move(phases)},
+                                        {"sessions", middle->sessions},
+                                        {"peakMiB", rounded(peakMebibytes())}};
+    std::printf("%s\n", result.dump().c_str());
+    return 0;
+}
+
+int usage() {
+    std::fputs("usage: fleetwise-bench pass HOME [N]\n", stderr);
+    return 2;
+}
+
+}  // namespace
+}  // namespace fleetwise
+
+int main(int argumentCount, char** arguments) {
+    using namespace fleetwise;
+    const std::vector<std::string> given(arguments + 1, arguments + argumentCount);
+    if (given.size() < 2 || given.size() > 3 || given[0] != "pass") return usage();
+    const int repetitions = given.size() == 3 ? std::atoi(given[2].c_str()) : usualRepetitions;
+    if (repetitions < 1) return usage();
+    if (!std::filesystem::is_directory(given[1])) {
+        std::fprintf(stderr, "fleetwise-bench: %s is no folder\n", given[1].c_str());
+        return 1;
+    }
+    return benchPass(std::filesystem::absolute(given[1]).string(), repetitions);
+}

@@ -1,0 +1,244 @@
+#include "generator/generate.h"
+#include "support/temporary_directory.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <set>
+#include <sstream>
+
+namespace fleetwise::testing {
+namespace {
+
+using namespace generator;
+
+Plan smallPlan() {
+    Plan plan;
+    plan.sessions = 30;
+    plan.live = 12;
+    plan.megabytes = 2;
+    plan.rollouts = 8;
+    plan.projects = 7;
+    plan.now = dateFromSeconds(1'795'226'000);
+    return plan;
+}
+
+/// Calls `visit` with each line of the file, which must be JSON objects throughout.
+void forEachRecord(const std::string& path, const std::function<void(const Json&)>& visit) {
+    std::istringstream stream(contentsOf(path));
+    std::string line;
+    while (std::getline(stream, line)) {
+        const auto record = parseJson(line);
+        ASSERT_TRUE(record && record->is_object()) << path << ": " << line.substr(0, 200);
+        visit(*record);
+    }
+}
+
+std::set<std::string> filesBelow(const std::string& folder) {
+    std::set<std::string> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (entry.is_regular_file()) files.insert(entry.path().string());
+    }
+    return files;
+}
+
+/// What a plain reading of the transcript finds, put where the generator's own account stands.
+SessionBook recount(const SessionBook& written) {
+    SessionBook found = written;
+    found.assistantTurns = found.toolCalls = found.contextTokens = 0;
+    found.outputTokens = found.thinkingTokens = 0;
+    found.lastReply.clear();
+    found.lastTurnOrigin.reset();
+    found.title.reset();
+    found.usageByModel.clear();
+    std::set<std::string> requests;
+    forEachRecord(written.transcriptPath, [&](const Json& record) {
+        const std::string type = record.at("type");
+        if (type == "custom-title") found.title = record.at("customTitle");
+        if (type == "ai-title") found.title = record.at("aiTitle");
+        if (type == "last-prompt") found.lastPrompt = record.at("lastPrompt");
+        if (type == "cost-state") found.billedUSD = record.at("totalCostUSD");
+        EXPECT_EQ(record.value("cwd", written.cwd), written.cwd);
+        EXPECT_EQ(record.value("sessionId", written.id), written.id);
+        if (record.contains("origin")) found.lastTurnOrigin = record.at("origin").at("kind");
+        if (type != "assistant") return;
+        const Json& message = record.at("message");
+        found.assistantTurns += 1;
+        found.model = message.at("model");
+        for (const Json& block : message.at("content")) {
+            if (block.at("type") == "tool_use") found.toolCalls += 1;
+            if (block.at("type") == "text") found.lastReply = block.at("text");
+        }
+        if (!message.contains("usage")) return;
+        const Json& usage = message.at("usage");
+        const auto tokens = [&](const char* key) { return usage.at(key).get<std::int64_t>(); };
+        const Json& writes = usage.at("cache_creation");
+        const std::int64_t thinking = usage.at("output_tokens_details").at("thinking_tokens");
+        const std::int64_t write5m = writes.at("ephemeral_5m_input_tokens");
+        const std::int64_t write1h = writes.at("ephemeral_1h_input_tokens");
+        EXPECT_EQ(tokens("cache_creation_input_tokens"), write5m + write1h);
+        found.contextTokens = tokens("input_tokens") + tokens("cache_read_input_tokens") +
+                              tokens("cache_creation_input_tokens");
+        found.outputTokens += tokens("output_tokens");
+        found.thinkingTokens += thinking;
+        if (!requests.insert(record.at("requestId")).second) return;
+        Usage& total = found.usageByModel[found.model];
+        total.requests += 1;
+        total.input += tokens("input_tokens");
+        total.output += tokens("output_tokens");
+        total.thinking += thinking;
+        total.cacheRead += tokens("cache_read_input_tokens");
+        total.cacheWrite5m += write5m;
+        total.cacheWrite1h += write1h;
+    });
+    return found;
+}
+
+Json encoded(const SessionBook& book) {
+    Books books;
+    books.sessions.push_back(book);
+    return encodeBooks(books).at("sessions").at(0);
+}
+
+class Generator : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const auto written = generate(smallPlan(), home.path());
+        ASSERT_TRUE(written) << written.error().path;
+        books = *written;
+    }
+
+    Json jsonOf(const std::string& path) const {
+        return parseJson(contentsOf(path)).value_or(Json());
+    }
+
+    TemporaryDirectory home;
+    Books books;
+};
+
+TEST_F(Generator, transcriptsHoldWhatTheBooksSay) {
+    ASSERT_EQ(books.sessions.size(), 30U);
+    std::set<std::string> transcripts;
+    std::int64_t bytes = 0;
+    for (const SessionBook& book : books.sessions) {
+        SCOPED_TRACE(book.transcriptPath);
+        EXPECT_EQ(encoded(recount(book)), encoded(book));
+        EXPECT_EQ(static_cast<std::int64_t>(contentsOf(book.transcriptPath).size()),
+                  book.transcriptBytes);
+        bytes += book.transcriptBytes;
+        transcripts.insert(book.transcriptPath);
+    }
+    EXPECT_EQ(bytes, books.transcriptBytes);
+    EXPECT_NEAR(static_cast<double>(bytes), 2e6, 0.2e6);
+
+    std::set<std::string> found;
+    for (const std::string& file : filesBelow(home.at(".claude/projects"))) {
+        if (file.ends_with(".jsonl") && file.find("/subagents/") == std::string::npos) {
+            found.insert(file);
+        }
+    }
+    EXPECT_EQ(found, transcripts);
+}
+
+TEST_F(Generator, liveSessionsShowEveryState) {
+    std::map<std::string, Json> entries;
+    for (const std::string& file : filesBelow(home.at(".claude/sessions"))) {
+        const Json entry = jsonOf(file);
+        entries[entry.at("sessionId")] = entry;
+    }
+    std::set<std::string> states;
+    for (const SessionBook& book : books.sessions) {
+        SCOPED_TRACE(book.id);
+        EXPECT_EQ(entries.count(book.id), book.isLive ? 1U : 0U);
+        states.insert(book.state);
+        if (!book.isLive) continue;
+        EXPECT_EQ(entries[book.id].at("cwd"), book.cwd);
+        EXPECT_EQ(entries[book.id].at("pid"), 1);
+    }
+    EXPECT_EQ(entries.size(), 12U);
+    EXPECT_THAT(states, ::testing::UnorderedElementsAre(
+                            "decision", "waiting", "failed", "done", "working",
+                            "waitingForSubagents", "compacting", "idle", "scheduled", "dormant"));
+
+    std::set<std::string> recorded;
+    const double now = secondsSince1970(smallPlan().now);
+    for (const std::string& file : filesBelow(home.at(".claude/fleetwise/status"))) {
+        const Json record = jsonOf(file);
+        EXPECT_LT(record.at("event_ts"), now);
+        recorded.insert(record.at("session_id"));
+    }
+    EXPECT_EQ(recorded.size(), 11U + 9U) << "all live sessions but one, half of the others";
+}
+
+TEST_F(Generator, rolloutsHoldWhatTheBooksSay) {
+    ASSERT_EQ(books.rollouts.size(), 8U);
+    std::set<std::string> paths;
+    std::int64_t bytes = 0;
+    for (const RolloutBook& book : books.rollouts) {
+        SCOPED_TRACE(book.path);
+        paths.insert(book.path);
+        bytes += static_cast<std::int64_t>(contentsOf(book.path).size());
+        Json total;
+        Json last;
+        std::string state;
+        forEachRecord(book.path, [&](const Json& line) {
+            const Json& payload = line.at("payload");
+            if (line.at("type") == "session_meta") {
+                EXPECT_EQ(payload.at("id"), book.id);
+                EXPECT_EQ(payload.at("cwd"), book.cwd);
+            }
+            if (line.at("type") != "event_msg") return;
+            const std::string event = payload.at("type");
+            if (event == "task_started") state = "working";
+            if (event == "task_complete") state = payload.contains("error") ? "failed" : "done";
+            if (event == "turn_aborted") state = "idle";
+            if (event != "token_count") return;
+            total = payload.at("info").at("total_token_usage");
+            last = payload.at("info").at("last_token_usage");
+        });
+        EXPECT_EQ(state, book.state);
+        EXPECT_EQ(last.at("input_tokens"), book.lastInputTokens);
+        EXPECT_EQ(total.at("input_tokens"), book.inputTokens);
+        EXPECT_EQ(total.at("cached_input_tokens"), book.cachedInputTokens);
+        EXPECT_EQ(total.at("cache_write_input_tokens"), book.cacheWriteTokens);
+        EXPECT_EQ(total.at("output_tokens"), book.outputTokens);
+        EXPECT_EQ(total.at("reasoning_output_tokens"), book.reasoningTokens);
+    }
+    EXPECT_EQ(filesBelow(home.at(".codex/sessions")), paths);
+    EXPECT_EQ(bytes, books.rolloutBytes);
+}
+
+TEST_F(Generator, theSameSeedGivesTheSameFiles) {
+    const auto contents = [&] {
+        std::map<std::string, std::string> read;
+        for (const std::string& file : filesBelow(home.path()))
+            read[file] = contentsOf(file);
+        return read;
+    };
+    const auto first = contents();
+    Plan plan = smallPlan();
+    for (const bool isOtherSeed : {false, true}) {
+        SCOPED_TRACE(isOtherSeed);
+        for (const char* folder : {".claude", ".codex", "work"})
+            std::filesystem::remove_all(home.at(folder));
+        if (isOtherSeed) plan.seed = 2;
+        const auto again = generate(plan, home.path());
+        ASSERT_TRUE(again);
+        EXPECT_EQ(contents() == first, !isOtherSeed);
+        EXPECT_EQ(encodeBooks(*again) == encodeBooks(books), !isOtherSeed);
+    }
+}
+
+TEST_F(Generator, leavesAnOccupiedHomeAlone) {
+    const auto before = filesBelow(home.path());
+    const auto refused = generate(smallPlan(), home.path());
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().kind, GeneratorError::Kind::occupied);
+    EXPECT_EQ(refused.error().path, home.at(".claude"));
+    EXPECT_EQ(filesBelow(home.path()), before);
+}
+
+}  // namespace
+}  // namespace fleetwise::testing

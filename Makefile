@@ -20,7 +20,7 @@ install: build-release
 	cmake --install build/release --prefix "$(PREFIX)"
 
 bench: build-bench
-	build/bench/bin/fleetwise-bench
+	build/bench/bin/fleetwise-benchmarks
 
 asan tsan: %: build-%
 	ctest --preset $@

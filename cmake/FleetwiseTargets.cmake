@@ -5,11 +5,12 @@ target_compile_options(
     fleetwise_flags
     INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wold-style-cast -Woverloaded-virtual
               -Wnon-virtual-dtor -Wcast-qual -Werror)
-# A designated initialiser leaves members out on purpose; GCC 12 takes an empty std::optional for an
-# uninitialised value.
+# A designated initialiser leaves members out on purpose. GCC 12 takes an empty std::optional for an
+# uninitialised value, and a concatenation of strings for one that overlaps itself.
 target_compile_options(
     fleetwise_flags INTERFACE -Wno-missing-field-initializers
-                              $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+                              $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
+                              $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 target_include_directories(fleetwise_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
 
 set(FLEETWISE_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")

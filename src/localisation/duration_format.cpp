@@ -2,6 +2,8 @@
 
 #include "localisation/localisation.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstdint>
 
@@ -11,9 +13,9 @@ namespace {
 
 std::string twoUnits(Text larger, std::int64_t largerCount, Text smaller,
                      std::int64_t smallerCount) {
-    std::string text = localisedFormat(larger, largerCount);
-    if (smallerCount > 0) text += " " + localisedFormat(smaller, smallerCount);
-    return text;
+    const std::string text = localisedFormat(larger, largerCount);
+    if (smallerCount == 0) return text;
+    return fmt::format("{} {}", text, localisedFormat(smaller, smallerCount));
 }
 
 /// 0 for a negative length and for "not a number".

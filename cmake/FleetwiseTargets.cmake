@@ -59,6 +59,8 @@ function(fleetwise_tests name)
     fleetwise_sources(files ${CMAKE_CURRENT_SOURCE_DIR})
     add_executable(${name}_tests ${files})
     target_link_libraries(${name}_tests PRIVATE fleetwise_flags fleetwise_test_support ${ARGN})
+    # Tests are compiled far more often than they are run.
+    target_compile_options(${name}_tests PRIVATE -O0)
     gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. PROPERTIES TIMEOUT 120
                          DISCOVERY_TIMEOUT 60)
 endfunction()

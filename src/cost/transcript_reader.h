@@ -93,7 +93,6 @@ private:
     std::shared_ptr<const Value> refreshed(Cache<Value>& cache, const TranscriptFile& file,
                                            Refresh refresh);
     std::optional<TranscriptFile> inspect(const std::string& path);
-    bool isRegular(const std::string& path);
     std::optional<std::string> search(const std::string& fileName);
     void skip(const std::string& path, FileError error);
 

@@ -8,6 +8,9 @@ namespace fleetwise {
 
 namespace {
 
+/// What stands as the model of a message that the agent itself wrote.
+constexpr std::string_view noticeModel = "<synthetic>";
+
 /// Whether the line begins with a "type" that no figure is taken from. Half of a transcript is
 /// such records; they need no parsing. Agents write no escapes in a type and no second one.
 bool isOfNoInterest(std::string_view line) {
@@ -56,13 +59,15 @@ void TranscriptReadingBuilder::addAssistant(const TranscriptRecord& record) {
     auto& stats = reading.stats;
     ++stats.assistantTurns;
     stats.toolCalls += message.toolCalls;
-    if (message.model) stats.model = *message.model;
+    // The agent's own notice of an API error is no reply of a model and has used nothing.
+    const bool isNotice = message.model == noticeModel;
+    if (message.model && !isNotice) stats.model = *message.model;
     if (record.effort) reading.effort = *record.effort;
     if (auto prose = record.prose()) {
         stats.lastReply = std::move(prose);
         lastReplyTimestamp = record.timestamp.value_or("");
     }
-    if (message.usage) addUsage(*message.usage);
+    if (message.usage && !isNotice) addUsage(*message.usage);
 }
 
 void TranscriptReadingBuilder::addUsage(const TranscriptUsage& usage) {

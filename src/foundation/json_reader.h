@@ -69,10 +69,6 @@ private:
 
     /// The text without halves of surrogate pairs, in `copy` where it had any.
     std::string_view mended(std::string_view text) {
-        if (text.find("\\ud") == std::string_view::npos &&
-            text.find("\\uD") == std::string_view::npos) {
-            return text;
-        }
         auto changed = withoutLoneSurrogates(text);
         if (!changed) return text;
         copy = *std::move(changed);

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "foundation/environment_lookup.h"
+
 #include <array>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,9 +13,6 @@ namespace fleetwise {
 /// The languages the interface can be set to, as ISO 639-1 codes. German is the source language.
 inline constexpr std::array<std::string_view, 6> interfaceLanguages{"de", "en", "fr",
                                                                     "es", "it", "pl"};
-
-/// The value of an environment variable; nothing where it is not set.
-using EnvironmentLookup = std::function<std::optional<std::string>(const std::string& name)>;
 
 /// The languages of the user, the preferred one first, as tags such as "de-AT" or "en". By the
 /// rules of GNU gettext: the locale is the first of LC_ALL, LC_MESSAGES and LANG that is set and

@@ -13,7 +13,7 @@ namespace fleetwise {
 
 namespace {
 
-constexpr std::size_t maximumBytes = 256 * 1024;
+constexpr std::size_t maximumBytes = 256 << 10;
 
 /// The first part of `text` up to `separator`, which is taken off its front.
 std::string_view takeFirst(std::string_view& text, char separator) {
@@ -52,9 +52,9 @@ std::vector<std::string> DesktopEntry::applicationFolders(const std::string& hom
             folders.push_back(std::move(folder));
         }
     };
-    const auto value = [&](const std::string& name, std::string fallback) {
+    const auto value = [&](const std::string& name, const std::string& fallback) {
         const auto found = environment(name);
-        return found && !found->empty() ? *found : std::move(fallback);
+        return found && !found->empty() ? *found : fallback;
     };
     add(value("XDG_DATA_HOME", joinPath(home, ".local/share")));
     add(joinPath(home, ".local/share/flatpak/exports/share"));

@@ -1,17 +1,15 @@
 #pragma once
 
-#include <functional>
+#include "foundation/environment_lookup.h"
+
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace fleetwise {
 
-/// The value of an environment variable; nothing where it is not set.
-using EnvironmentLookup = std::function<std::optional<std::string>(const std::string& name)>;
-
-/// The installed applications as their desktop files describe them (Desktop Entry Specification
-/// and XDG Base Directory Specification of freedesktop.org).
+/// The installed applications as their desktop files describe them, after the desktop-entry and
+/// base-directory conventions of freedesktop.org.
 class DesktopEntry {
 public:
     /// The folders that hold desktop files, in the order they are searched, whether they exist or

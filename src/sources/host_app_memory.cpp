@@ -11,7 +11,7 @@ namespace fleetwise {
 namespace {
 
 constexpr int fileVersion = 1;
-constexpr std::size_t maximumBytes = 4 * 1024 * 1024;
+constexpr std::size_t maximumBytes = 4 << 20;
 constexpr std::size_t maximumEntries = 500;
 constexpr Seconds maximumAge = std::chrono::hours(24 * 90);
 constexpr Seconds sightingInterval = std::chrono::hours(1);

@@ -12,7 +12,7 @@ namespace fleetwise {
 
 namespace {
 
-constexpr std::size_t maximumBytes = 1024 * 1024;
+constexpr std::size_t maximumBytes = 1 << 20;
 
 enum class Status { pending, inProgress, completed, other };
 

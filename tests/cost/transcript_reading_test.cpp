@@ -28,7 +28,7 @@ TEST(TranscriptReading, tellsRecordedTranscripts) {
         {"interrupted", 1, 1, 16307, 120, std::nullopt, never, "human"},
         {"loop", 3, 1, 16307, 361, "Second plain mock answer.", at("2026-11-21T02:07:00.717Z"),
          "human"},
-        {"max_tokens", 5, 0, 0, 486,
+        {"max_tokens", 5, 0, 19340, 486,
          "API Error: Claude's response exceeded the 128000 output token maximum. To configure this "
          "behavior, set the CLAUDE_CODE_MAX_OUTPUT_TOKENS environment variable.",
          at("2026-11-21T02:04:31.861Z"), std::nullopt},
@@ -83,6 +83,16 @@ TEST(TranscriptReading, keepsTheLatestContextAndSumsTheRest) {
     EXPECT_EQ(stats.contextTokens, 50);
     EXPECT_EQ(stats.outputTokens, 11);
     EXPECT_EQ(stats.lastReply, "one");
+
+    const std::string notice =
+        R"({"type":"assistant","message":{"model":"<synthetic>","content":[{"type":"text",)"
+        R"("text":"API Error: 529"}],"usage":{"input_tokens":0,"output_tokens":0}}})"
+        "\n";
+    const auto failed = readText(reply("one", 5, 100) + notice).stats;
+    EXPECT_EQ(failed.assistantTurns, 2);
+    EXPECT_EQ(failed.contextTokens, 100);
+    EXPECT_EQ(failed.model, stats.model);
+    EXPECT_EQ(failed.lastReply, "API Error: 529");
 
     const std::string huge =
         R"({"type":"assistant","message":{"usage":{"input_tokens":9223372036854775807,)"

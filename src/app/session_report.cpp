@@ -27,6 +27,11 @@ public:
                        printable(value));
     }
 
+    /// A further value below the line before.
+    void continued(std::string_view value) {
+        fmt::format_to(std::back_inserter(text), "    {:<13}{}\n", "", printable(value));
+    }
+
     void verbatim(std::string_view line) {
         text += line;
         text += '\n';
@@ -78,22 +83,34 @@ std::string taskText(const TaskListStore::Progress& tasks) {
     return text;
 }
 
+std::string backgroundText(const BackgroundTask& task) {
+    std::string text = task.command.value_or(task.id);
+    switch (task.status) {
+        case BackgroundTask::Status::running:
+            text += "  läuft";
+            break;
+        case BackgroundTask::Status::completed:
+            text += "  beendet";
+            break;
+        case BackgroundTask::Status::failed:
+        case BackgroundTask::Status::aborted:
+            text += "  abgebrochen";
+            break;
+        case BackgroundTask::Status::orphaned:
+            text += "  verwaist";
+            break;
+    }
+    if (task.exitStatus) text += fmt::format("  exit {}", *task.exitStatus);
+    return text;
+}
+
 void addBackground(Block& block, const Session& session) {
     if (session.backgroundTasks.empty()) return;
     block.line("Hintergrund",
                fmt::format("{} laufend, {} im Hintergrund", session.runningBackgroundTasks().size(),
                            session.backgroundTasks.size()));
     for (const BackgroundTask& task : session.backgroundTasks) {
-        const bool isAborted = task.status == BackgroundTask::Status::aborted ||
-                               task.status == BackgroundTask::Status::failed;
-        const bool isOrphaned = task.status == BackgroundTask::Status::orphaned;
-        std::string line = task.command.value_or(task.id);
-        if (isAborted) line += "  abgebrochen";
-        if (isOrphaned) line += "  verwaist";
-        if (task.exitStatus && *task.exitStatus != 0) {
-            line += fmt::format("  exit {}", *task.exitStatus);
-        }
-        block.line("", "  " + line);
+        block.continued(backgroundText(task));
     }
 }
 

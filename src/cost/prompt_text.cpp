@@ -14,11 +14,11 @@ constexpr std::string_view commandName = "<command-name>";
 constexpr std::string_view commandMessage = "<command-message>";
 constexpr std::string_view localCommandCaveat = "<local-command-caveat>";
 
-constexpr std::array<std::string_view, 4> agentsOwnWords{
-    "<task-notification>",
-    "<local-command-stdout>",
-    "<system-reminder>",
-    "[Request interrupted by user",
+constexpr std::array<std::string_view, 8> agentsOwnWords{
+    "<task-notification>",    "<local-command-stdout>",
+    "<local-command-stderr>", "<bash-input>",
+    "<bash-stdout>",          "<bash-stderr>",
+    "<system-reminder>",      "[Request interrupted by user",
 };
 
 struct FederationMark {

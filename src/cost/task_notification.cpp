@@ -44,14 +44,10 @@ std::optional<TaskNotification> TaskNotification::parse(std::string_view prompt)
     auto& ending = notification.ending;
     ending.exitStatus = exitStatus(element(prompt, "summary"));
     const std::string_view status = element(prompt, "status");
-    if (status == "failed" || status == "killed") {
-        ending.outcome = TaskEnding::Outcome::failed;
-    } else if (status == "completed") {
-        ending.outcome = ending.exitStatus.value_or(0) == 0 ? TaskEnding::Outcome::completed
-                                                            : TaskEnding::Outcome::failed;
-    } else {
-        return {};
-    }
+    if (status.empty() || status == "running") return {};  // a watch that goes on
+    const bool isBroken =
+        status == "failed" || status == "killed" || ending.exitStatus.value_or(0) != 0;
+    ending.outcome = isBroken ? TaskEnding::Outcome::failed : TaskEnding::Outcome::completed;
     return notification;
 }
 

@@ -17,6 +17,11 @@ namespace {
 using Label = TranscriptReader::Label;
 using Reading = TranscriptReader::Reading;
 
+bool isDirectory(const std::string& path) {
+    const auto entry = inspectFile(path);
+    return entry && entry->kind == FileKind::directory;
+}
+
 std::uint64_t sizeOf(const RegularFile& file) {
     return static_cast<std::uint64_t>(file.stamp().sizeBytes);
 }
@@ -167,8 +172,9 @@ std::optional<std::string> TranscriptReader::transcriptURL(const std::string& se
     if (!isPlainFileName(sessionId)) return {};
     const std::string fileName = sessionId + ".jsonl";
     if (cwd) {
-        auto expected = joinPath(joinPath(projects, projectFolderName(*cwd)), fileName);
-        if (RecordFile::istGewoehnlicheDatei(expected)) return expected;
+        const std::string folder = joinPath(projects, projectFolderName(*cwd));
+        auto expected = joinPath(folder, fileName);
+        if (RecordFile::istGewoehnlicheDatei(expected) && isDirectory(folder)) return expected;
     }
     std::optional<std::string> located;
     {

@@ -1,5 +1,7 @@
 #include "fleet/collection_pass.h"
 
+#include "sources/project_folder.h"
+
 #include <algorithm>
 
 namespace fleetwise {
@@ -89,6 +91,7 @@ void CollectionPass::describeSessions() {
             collection.titledByDesktop.insert(session.id);
         }
     }
+    skippedTranscripts += sources.transcripts.takeSkipped();
 }
 
 void CollectionPass::prune() {
@@ -134,7 +137,9 @@ bool CollectionPass::mayList(const std::string& id) {
 
 bool CollectionPass::isRecentEnough(const Session& session) const {
     if (!input.dormantMaxAge || input.keepRegardlessOfAge.contains(session.id)) return true;
-    return session.lastActivityAt && now - *session.lastActivityAt < *input.dormantMaxAge;
+    if (!session.lastActivityAt) return false;
+    // A date ahead of the clock is no younger than now.
+    return std::max(Seconds(0), now - *session.lastActivityAt) < *input.dormantMaxAge;
 }
 
 bool CollectionPass::isEndedSessionOfKnownAgent(const StatusStore::Record& record) const {
@@ -170,6 +175,19 @@ std::optional<TranscriptFile> CollectionPass::transcriptOf(const Session& sessio
     const auto entry = inspectFile(*path);
     if (!entry || entry->kind != FileKind::regular) return {};
     return TranscriptFile{.path = *path, .stamp = entry->stamp};
+}
+
+std::string CollectionPass::projectFolderOf(const Session& session) const {
+    // The agent cuts the names of long folders in a way of its own; where it has written a
+    // transcript, its name is known.
+    const auto transcript = transcripts.find(session.id);
+    if (transcript == transcripts.end()) {
+        return projectFolderName(session.cwd.value_or(std::string()));
+    }
+    const std::string& path = transcript->second.path;
+    const auto end = path.find_last_of('/');
+    const auto begin = path.find_last_of('/', end - 1) + 1;
+    return path.substr(begin, end - begin);
 }
 
 void CollectionPass::findHost(Session& session) {
@@ -212,10 +230,11 @@ void CollectionPass::describeBackground(Session& session,
     const auto& launches = record != nullptr ? record->background : noLaunches;
     BackgroundTaskStore::Surroundings around;
     around.agentIsLive = session.isLive;
+    around.lastActivityAt = session.lastActivityAt;
     around.endings = &endings;
-    if (!launches.empty() && session.cwd) {
+    if (!launches.empty()) {
         around.outputDirectory =
-            backgroundOutputDirectory(session.id, *session.cwd, sources.userId);
+            backgroundOutputDirectory(session.id, projectFolderOf(session), sources.userId);
     }
     session.backgroundTasks = sources.backgroundTasks.tasks(session.id, launches, around, now);
 }

@@ -61,6 +61,8 @@ private:
     const DesktopMetadata* desktopOf(const std::string& id) const;
 
     std::optional<TranscriptFile> transcriptOf(const Session& session) const;
+    /// The name of the agent's folder for the session's project.
+    std::string projectFolderOf(const Session& session) const;
     void findHost(Session& session);
     /// The endings of background tasks that the transcript tells, none without one.
     std::map<std::string, TaskEnding> describeFromTranscript(Session& session,

@@ -22,7 +22,7 @@ std::optional<SessionState> askedState(const SessionRegistry::Entry& entry) {
 SessionState registryState(const SessionRegistry::Entry& entry) {
     if (entry.status == "busy") return SessionState::working;
     if (entry.status == "idle" || entry.status == "shell") return SessionState::idle;
-    if (entry.status == "waiting") return askedState(entry).value_or(SessionState::waiting);
+    if (entry.status == "waiting") return askedState(entry).value_or(SessionState::idle);
     return SessionState::unknown;
 }
 

@@ -69,7 +69,9 @@ bool Session::isStale(Date now) const {
         subagentCount >= 1 ||
         (lastEvent && std::find(longRunningEvents.begin(), longRunningEvents.end(), *lastEvent) !=
                           longRunningEvents.end());
-    return now - *lastEventAt > (runsLong ? staleAfterLongEvent : staleAfter);
+    // An answered question begins anew with the answer, of which no event tells.
+    const Date heardAt = std::max(*lastEventAt, stateSince.value_or(*lastEventAt));
+    return now - heardAt > (runsLong ? staleAfterLongEvent : staleAfter);
 }
 
 std::vector<BackgroundTask> Session::runningBackgroundTasks() const {

@@ -107,6 +107,8 @@ Session liveSession(const SessionRegistry::Entry& entry, const StatusStore::Reco
     isUnsettled = isUnsettled || finding.isUnsettled;
     if (finding.toldByRegistryAt) {
         session.stateSince = finding.toldByRegistryAt;
+        // The registry stays busy while subagents run.
+        if (finding.state == SessionState::idle) session.subagentCount = 0;
     } else if (record != nullptr) {
         session.stateSince = recordedSince(*record, finding.state);
     }

@@ -89,12 +89,11 @@ std::optional<Date> parseInternetDate(std::string_view text) {
     int hour = 0;
     int minute = 0;
     int second = 0;
-    const bool isDateTime = takeNumber(text, 4, year) && take(text, '-') &&
-                            takeNumber(text, 2, month) && take(text, '-') &&
-                            takeNumber(text, 2, day) && take(text, 'T') &&
-                            takeNumber(text, 2, hour) && take(text, ':') &&
-                            takeNumber(text, 2, minute) && take(text, ':') &&
-                            takeNumber(text, 2, second);
+    const bool isDateTime =
+        takeNumber(text, 4, year) && take(text, '-') && takeNumber(text, 2, month) &&
+        take(text, '-') && takeNumber(text, 2, day) && take(text, 'T') &&
+        takeNumber(text, 2, hour) && take(text, ':') && takeNumber(text, 2, minute) &&
+        take(text, ':') && takeNumber(text, 2, second);
     if (!isDateTime || hour > 23 || minute > 59 || second > 60) return {};
     const double fraction = takeFraction(text);
     const std::optional<Seconds> offset = zoneOffset(text);

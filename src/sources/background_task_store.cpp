@@ -2,13 +2,12 @@
 // it. Whether it still runs is not asked of the system: the agent's notice in the transcript tells
 // that it ended; a command that left the list without one is taken as completed; and one that is
 // still listed when its agent is gone went down with it. When it did so is not recorded anywhere:
-// if it was seen running, that is now, else the last change of its output.
+// if it was seen running, that is now, else the last change of its output or of its session.
 
 #include "sources/background_task_store.h"
 
 #include "foundation/directory.h"
 #include "sources/plain_file_name.h"
-#include "sources/project_folder.h"
 
 #include <fmt/format.h>
 
@@ -51,7 +50,7 @@ void loseAgent(BackgroundTask& task, const BackgroundTask* before, const Surroun
     if (before != nullptr) {
         task.endedAt = before->endedAt.value_or(now);
     } else {
-        task.endedAt = output.value_or(now);
+        task.endedAt = output ? output : around.lastActivityAt.value_or(now);
     }
 }
 
@@ -90,10 +89,10 @@ bool isListed(const BackgroundTask& task, Date now) {
 }  // namespace
 
 std::optional<std::string> backgroundOutputDirectory(const std::string& sessionId,
-                                                     const std::string& cwd, std::uint32_t uid) {
-    const std::string project = projectFolderName(cwd);
-    if (!isPlainFileName(sessionId) || !isPlainFileName(project)) return {};
-    return fmt::format("/tmp/claude-{}/{}/{}/tasks", uid, project, sessionId);
+                                                     const std::string& projectFolder,
+                                                     std::uint32_t uid) {
+    if (!isPlainFileName(sessionId) || !isPlainFileName(projectFolder)) return {};
+    return fmt::format("/tmp/claude-{}/{}/{}/tasks", uid, projectFolder, sessionId);
 }
 
 std::vector<BackgroundTask> BackgroundTaskStore::tasks(const std::string& sessionId,

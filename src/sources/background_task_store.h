@@ -17,9 +17,11 @@
 namespace fleetwise {
 
 /// The folder in which Claude Code keeps "<id>.output" of a session's background commands, for
-/// the user with the id `uid`; nothing where the session's id or `cwd` makes no path.
+/// the user with the id `uid`; `projectFolder` is the name of the
+/// folder that the session's transcript lies in. Nothing where the names make no path.
 std::optional<std::string> backgroundOutputDirectory(const std::string& sessionId,
-                                                     const std::string& cwd, std::uint32_t uid);
+                                                     const std::string& projectFolder,
+                                                     std::uint32_t uid);
 
 /// What has become of the sessions' background commands. The hook lists what was launched and
 /// not yet taken off its list; the store remembers what it saw running, so that the end of a
@@ -31,6 +33,8 @@ public:
     /// What a session's other sources tell.
     struct Surroundings {
         bool agentIsLive = false;
+        std::optional<Date>
+            lastActivityAt;  ///< the session's: when an agent that is gone was there
         std::optional<std::string> outputDirectory;  ///< holds "<id>.output"
         /// The agent's own notices by the command's id; may be null, and need only live during the
         /// call.

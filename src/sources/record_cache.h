@@ -24,6 +24,14 @@ public:
         std::shared_ptr<const Record> record;
     };
 
+    /// What becomes of a file that was a record at the last load and is none now.
+    enum class OnFault {
+        skip,      ///< as any other fault
+        keepLast,  ///< its last record counts on; for files that are not replaced as a whole
+    };
+
+    explicit RecordCache(OnFault whatToDo = OnFault::skip) : onFault(whatToDo) {}
+
     /// Every regular file of `directory` whose name ends in ".json" and that `decode` (padded text
     /// to optional Record) makes a record of, in the folder's order. What is passed over is
     /// counted in `skipped` and tried again the next time. Files that are gone are forgotten.
@@ -38,16 +46,20 @@ public:
                 ++skipped.notRegular;
                 continue;
             }
-            std::shared_ptr<const Record> record;
-            if (const auto hit = known->find(entry.name);
-                hit != known->end() && hit->second.stamp == entry.stamp) {
-                record = hit->second.record;
+            const auto hit = known->find(entry.name);
+            Cached current{.stamp = entry.stamp, .record = nullptr};
+            if (hit != known->end() && hit->second.stamp == entry.stamp) {
+                current = hit->second;
             } else {
-                record = read(joinPath(directory, entry.name), maximumBytes, skipped, decode);
+                current.record =
+                    read(joinPath(directory, entry.name), maximumBytes, skipped, decode);
             }
-            if (!record) continue;
-            seen.emplace(entry.name, Cached{entry.stamp, record});
-            loaded.push_back({std::move(entry.name), entry.stamp, std::move(record)});
+            if (!current.record && hit != known->end() && onFault == OnFault::keepLast) {
+                current = hit->second;  // with its old stamp, so that the next load tries again
+            }
+            if (!current.record) continue;
+            seen.emplace(entry.name, current);
+            loaded.push_back({std::move(entry.name), current.stamp, std::move(current.record)});
         }
         replace(directory, std::move(seen));
         return loaded;
@@ -91,6 +103,7 @@ private:
         return std::make_shared<const Record>(std::move(*record));
     }
 
+    const OnFault onFault;
     std::mutex lock;
     /// By the folder's path; guarded by `lock`. What is handed out is never changed again.
     std::unordered_map<std::string, std::shared_ptr<const Folder>> folders;

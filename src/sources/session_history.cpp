@@ -29,6 +29,10 @@ void addTranscripts(const std::string& folder, TranscriptIndex& index, SkipTally
             ++skipped.notRegular;
             continue;
         }
+        if (entry.stamp.sizeBytes == 0) {
+            ++skipped.malformed;
+            continue;
+        }
         TranscriptFile file{.path = joinPath(folder, entry.name), .stamp = entry.stamp};
         std::string sessionId = std::move(entry.name);
         sessionId.resize(sessionId.size() - transcriptSuffix.size());

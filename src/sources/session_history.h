@@ -30,8 +30,8 @@ public:
     };
 
     /// Every session transcript in the folders of `projectsDirectory`. Of two for one session the
-    /// one modified later counts. Transcripts of subagents are none of a session; links, folders
-    /// and the like are counted in `skipped`.
+    /// one modified later counts. Transcripts of subagents are none of a session; links, folders,
+    /// empty files and the like are counted in `skipped`.
     static TranscriptIndex transcripts(const std::string& projectsDirectory, SkipTally& skipped);
 
     /// The sessions last active within `maxAge` (absent: all; zero: none), and each of

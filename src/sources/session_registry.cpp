@@ -19,8 +19,9 @@ using Cache = RecordCache<Entry>;
 constexpr std::size_t maximumFileSize = 1 << 20;
 
 Cache& cache() {
-    static Cache shared;
-    return shared;
+    // The agent writes its entry in place: one that is torn just now is whole at the next look.
+    static Cache entries(Cache::OnFault::keepLast);
+    return entries;
 }
 
 /// The value as T, if it is one.

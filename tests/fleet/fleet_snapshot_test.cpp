@@ -100,6 +100,18 @@ TEST(FleetSnapshot, countsAProcessAsLiveOnlyWhileItRuns) {
     EXPECT_EQ(only(collection, "older").cwd, "/srv/newer");
 }
 
+TEST(FleetSnapshot, keepsASessionWhoseRegistryFileIsBeingWritten) {
+    FleetHome fleet;
+    fleet.runs("s", 4711);
+    fleet.records("s", "decision", 5);
+    fleet.writesTranscript("s", 5);
+    fleet.collect();
+    fleet.home.write("sessions/4711.json", R"({"pid":4711,"sess)");
+    EXPECT_EQ(only(fleet.collect(), "s").state, SessionState::decision);
+    fleet.processes.processes.erase(4711);
+    EXPECT_EQ(only(fleet.collect(), "s").state, SessionState::dormant);
+}
+
 TEST(FleetSnapshot, mergesWhatTheSourcesTell) {
     FleetHome fleet;
     fleet.runs("s", 4711,

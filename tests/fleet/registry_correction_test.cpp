@@ -50,7 +50,7 @@ TEST(RegistryCorrection, tellsWhatNoEventTells) {
         {"no record, in the shell", {}, entry("shell"), idle},
         {"no record, permission", {}, entry("waiting", "permission prompt"), waiting},
         {"no record, question", {}, entry("waiting", "input needed"), decision},
-        {"no record, some dialog", {}, entry("waiting", "dialog open"), waiting},
+        {"no record, a dialog of the user's", {}, entry("waiting", "dialog open"), idle},
         {"no record and no status", {}, entry({}), unknown},
         {"resumed without an event", dormant, entry("busy"), working},
         {"ended, no status", dormant, entry({}), dormant},

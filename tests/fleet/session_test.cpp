@@ -46,6 +46,8 @@ TEST(Session, goesStaleAfterItsLimit) {
         {"failed long ago",
          changed(busySession(9000), [](Session& session) { session.lastEvent = "StopFailure"; }),
          false},
+        {"answered a moment ago, as no event tells",
+         changed(busySession(900), [](Session& s) { s.stateSince = now - Seconds(5); }), false},
         {"not busy",
          changed(busySession(9000), [](Session& session) { session.state = SessionState::done; }),
          false},

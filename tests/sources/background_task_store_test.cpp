@@ -145,10 +145,10 @@ TEST_F(BackgroundTaskStoreTest, takesNoPathForAnOutput) {
 }
 
 TEST(BackgroundOutputDirectory, followsTheAgentsLayout) {
-    EXPECT_EQ(backgroundOutputDirectory("81a6", "/home/dev/work/demo", 1000),
+    EXPECT_EQ(backgroundOutputDirectory("81a6", "-home-dev-work-demo", 1000),
               "/tmp/claude-1000/-home-dev-work-demo/81a6/tasks");
     for (const char* id : {"", ".", "..", "../x"})
-        EXPECT_EQ(backgroundOutputDirectory(id, "/w", 1000), std::nullopt) << id;
+        EXPECT_EQ(backgroundOutputDirectory(id, "-w", 1000), std::nullopt) << id;
     EXPECT_EQ(backgroundOutputDirectory("81a6", "", 1000), std::nullopt);
 }
 

@@ -33,7 +33,8 @@ TEST(SessionHistory, listsTranscriptsAndOpensNone) {
     const TemporaryDirectory projects;
     const std::string older = projects.write("-a/twice.jsonl", "older");
     const std::string newer = projects.write("-b/twice.jsonl", "newer");
-    const std::string plain = projects.write("-b/plain.jsonl", "");
+    const std::string plain = projects.write("-b/plain.jsonl", "{}");
+    projects.write("-b/empty.jsonl", "");
     setModificationDate(older, now - 2h);
     setModificationDate(newer, now - 1h);
     projects.write("-b/agent-1f2e.jsonl", "{}");
@@ -54,7 +55,7 @@ TEST(SessionHistory, listsTranscriptsAndOpensNone) {
                 ::testing::UnorderedElementsAre(::testing::Key("twice"), ::testing::Key("plain")));
     EXPECT_EQ(index.at("twice").path, newer);
     EXPECT_EQ(modificationDate(index.at("twice").stamp), now - 1h);
-    EXPECT_EQ(skipped, SkipTally{.notRegular = 4});
+    EXPECT_EQ(skipped, (SkipTally{.notRegular = 4, .malformed = 1}));
     EXPECT_TRUE(SessionHistory::transcripts(projects.at("missing"), skipped).empty());
 }
 

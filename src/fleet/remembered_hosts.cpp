@@ -2,16 +2,6 @@
 
 namespace fleetwise {
 
-std::vector<HostAppMemory::Sighting> hostSightings(const std::vector<Session>& sessions) {
-    std::vector<HostAppMemory::Sighting> sightings;
-    for (const Session& session : sessions) {
-        if (!session.hostApp && !session.hostBundleId) continue;
-        sightings.push_back(
-            {.sessionId = session.id, .app = session.hostApp, .bundleId = session.hostBundleId});
-    }
-    return sightings;
-}
-
 void fillRememberedHosts(std::vector<Session>& sessions,
                          const std::map<std::string, HostAppMemory::Host>& remembered) {
     for (Session& session : sessions) {

@@ -9,9 +9,6 @@
 
 namespace fleetwise {
 
-/// The host applications that the processes told, for the memory.
-std::vector<HostAppMemory::Sighting> hostSightings(const std::vector<Session>& sessions);
-
 /// Gives each session without a host the one it was last seen in.
 void fillRememberedHosts(std::vector<Session>& sessions,
                          const std::map<std::string, HostAppMemory::Host>& remembered);

@@ -24,9 +24,6 @@ public:
     int get() const { return descriptor; }
     explicit operator bool() const { return descriptor >= 0; }
 
-    /// Hands the descriptor over; the caller closes it.
-    int release() { return std::exchange(descriptor, -1); }
-
 private:
     int descriptor = -1;
 };

@@ -6,7 +6,7 @@ namespace fleetwise {
 
 namespace {
 
-constexpr std::size_t escapeLength = 6;  // \uXXXX
+constexpr std::size_t escapeLength = replacementEscape.size();  // \uXXXX
 
 /// The code unit of the escape \uXXXX at the front of `text`.
 std::optional<unsigned> escapedUnit(std::string_view text) {
@@ -27,22 +27,29 @@ bool isLowSurrogate(unsigned unit) {
 
 }  // namespace
 
-std::optional<std::string> withoutLoneSurrogates(std::string_view json) {
-    std::optional<std::string> mended;
-    for (auto at = json.find('\\'); at < json.size(); at = json.find('\\', at)) {
+std::size_t findLoneSurrogate(std::string_view json, std::size_t from) {
+    for (auto at = json.find('\\', from); at < json.size(); at = json.find('\\', at)) {
         const auto unit = escapedUnit(json.substr(at));
         if (!unit) {
             at += 2;  // an escape of one character, which may be a backslash
         } else if (isHighSurrogate(*unit) &&
                    isLowSurrogate(escapedUnit(json.substr(at + escapeLength)).value_or(0))) {
             at += 2 * escapeLength;
+        } else if (isHighSurrogate(*unit) || isLowSurrogate(*unit)) {
+            return at;
         } else {
-            if (isHighSurrogate(*unit) || isLowSurrogate(*unit)) {
-                if (!mended) mended.emplace(json);
-                mended->replace(at, escapeLength, "\\ufffd");
-            }
             at += escapeLength;
         }
+    }
+    return std::string_view::npos;
+}
+
+std::optional<std::string> withoutLoneSurrogates(std::string_view json) {
+    auto at = findLoneSurrogate(json);
+    if (at == std::string_view::npos) return {};
+    std::string mended(json);
+    for (; at != std::string_view::npos; at = findLoneSurrogate(mended, at + escapeLength)) {
+        mended.replace(at, escapeLength, replacementEscape);
     }
     return mended;
 }

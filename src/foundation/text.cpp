@@ -1,5 +1,7 @@
 #include "foundation/text.h"
 
+#include "foundation/utf8.h"
+
 #include <algorithm>
 
 namespace fleetwise {
@@ -7,24 +9,6 @@ namespace fleetwise {
 namespace {
 
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
-constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
-
-/// Length in bytes of the well-formed UTF-8 sequence at the front of `text`, 0 where there is
-/// none (Unicode 15, table 3-7).
-std::size_t sequenceLength(std::string_view text) {
-    const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-    const unsigned char lead = byte(0);
-    if (lead < 0x80) return 1;
-    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
-    const unsigned char lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    const unsigned char highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    if (byte(1) < lowest || byte(1) > highest) return 0;
-    for (std::size_t index = 2; index < length; ++index) {
-        if ((byte(index) & 0xC0) != 0x80) return 0;
-    }
-    return length;
-}
 
 bool isControl(std::string_view sequence) {
     const auto lead = static_cast<unsigned char>(sequence.front());
@@ -57,7 +41,7 @@ std::string shortenedText(std::string_view text, std::size_t limit) {
             return limit == 0 ? std::string() : std::string(text.substr(0, lastStart)) + "…";
         }
         lastStart = position;
-        position += std::max<std::size_t>(1, sequenceLength(text.substr(position)));
+        position += std::max<std::size_t>(1, utf8SequenceLength(text.substr(position)));
         ++characters;
     }
     return std::string(text);
@@ -67,7 +51,7 @@ std::string printable(std::string_view text) {
     std::string line;
     line.reserve(text.size());
     while (!text.empty()) {
-        const std::size_t length = sequenceLength(text);
+        const std::size_t length = utf8SequenceLength(text);
         if (length == 0) {
             line += replacementCharacter;
         } else if (isControl(text.substr(0, length))) {

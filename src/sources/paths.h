@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/brand.h"
+
 #include <tl/expected.hpp>
 
 #include <string>
@@ -7,12 +9,6 @@
 #include <system_error>
 
 namespace fleetwise {
-
-/// The program's own name where files carry it.
-struct Brand {
-    static constexpr std::string_view stateDirName = "fleetwise";
-    static constexpr std::string_view bundleName = "Fleetwise";
-};
 
 /// The fixed locations, all below the user's home folder.
 class Paths {

@@ -1,0 +1,125 @@
+#include "hook/hook_event_reader.h"
+
+#include "foundation/json_surrogates.h"
+#include "hook/json_walk.h"
+
+#include <algorithm>
+
+namespace fleetwise::hook {
+
+namespace {
+
+template <typename Owner>
+struct TextKey {
+    std::string_view key;
+    std::string_view Owner::*field;
+};
+
+constexpr TextKey<HookEvent> eventKeys[] = {
+    {"session_id", &HookEvent::sessionId},
+    {"transcript_path", &HookEvent::transcriptPath},
+    {"cwd", &HookEvent::cwd},
+    {"permission_mode", &HookEvent::permissionMode},
+    {"agent_id", &HookEvent::agentId},
+    {"source", &HookEvent::source},
+    {"trigger", &HookEvent::trigger},
+    {"prompt", &HookEvent::prompt},
+    {"tool_name", &HookEvent::toolName},
+    {"message", &HookEvent::message},
+    {"notification_type", &HookEvent::notificationType},
+    {"last_assistant_message", &HookEvent::lastAssistantMessage},
+    {"error", &HookEvent::error},
+};
+
+constexpr TextKey<ToolInput> inputKeys[] = {
+    {"description", &ToolInput::description}, {"command", &ToolInput::command},
+    {"file_path", &ToolInput::filePath},      {"notebook_path", &ToolInput::filePath},
+    {"pattern", &ToolInput::pattern},         {"query", &ToolInput::pattern},
+    {"url", &ToolInput::url},                 {"plan", &ToolInput::plan},
+};
+
+constexpr TextKey<ToolResponse> responseKeys[] = {
+    {"backgroundTaskId", &ToolResponse::backgroundTaskId},
+    {"taskId", &ToolResponse::taskId},
+};
+
+constexpr TextKey<BackgroundTask> taskKeys[] = {
+    {"id", &BackgroundTask::id},
+    {"type", &BackgroundTask::type},
+    {"status", &BackgroundTask::status},
+    {"description", &BackgroundTask::description},
+    {"command", &BackgroundTask::command},
+};
+
+template <typename Owner, std::size_t count>
+void assign(const TextKey<Owner> (&keys)[count], std::string_view key, std::string_view text,
+            Owner& owner) {
+    const auto known = std::find_if(std::begin(keys), std::end(keys),
+                                    [&](const auto& entry) { return entry.key == key; });
+    if (known != std::end(keys)) owner.*known->field = text;
+}
+
+class EventSink {
+public:
+    explicit EventSink(HookEvent& target) : event(target) {}
+
+    void begin(const JsonPath& path) {
+        if (path.is("background_tasks")) event.listsBackgroundTasks = true;
+        if (path.is("background_tasks", "")) event.backgroundTasks.add({});
+        if (path.is("session_crons", "")) event.hasSessionCrons = true;
+    }
+
+    void text(const JsonPath& path, std::string_view value) {
+        if (path.size() == 1) assign(eventKeys, path[0], value, event);
+        if (path.size() == 2 && path[0] == "tool_input") {
+            assign(inputKeys, path[1], value, event.toolInput);
+        }
+        if (path.size() == 2 && path[0] == "tool_response") {
+            assign(responseKeys, path[1], value, event.toolResponse);
+        }
+        if (path.size() == 3 && path[0] == "background_tasks" &&
+            !event.backgroundTasks.isEmpty()) {
+            assign(taskKeys, path[2], value, event.backgroundTasks.all().back());
+        }
+        if (path.is("tool_input", "questions", "", "question") &&
+            event.toolInput.question.empty()) {
+            event.toolInput.question = value;
+        }
+    }
+
+    void number(const JsonPath& path, double value) {
+        if (path.is("duration_ms")) event.durationMs = value;
+        auto& response = event.toolResponse;
+        if (path.is("tool_response", "scheduledFor")) response.scheduledFor = value;
+        if (path.is("tool_response", "nextFireAt") ||
+            path.is("tool_response", "jobs", "", "nextFireAt")) {
+            response.nextFireAt = std::min(value, response.nextFireAt.value_or(value));
+        }
+    }
+
+    void truth(const JsonPath& path, bool value) {
+        if (path.is("is_interrupt")) event.isInterrupt = value;
+    }
+
+private:
+    HookEvent& event;
+};
+
+void mendLoneSurrogates(std::span<char> payload) {
+    const std::string_view text(payload.data(), payload.size());
+    for (auto at = findLoneSurrogate(text); at != std::string_view::npos;
+         at = findLoneSurrogate(text, at + replacementEscape.size())) {
+        std::copy(replacementEscape.begin(), replacementEscape.end(),
+                  payload.begin() + static_cast<std::ptrdiff_t>(at));
+    }
+}
+
+}  // namespace
+
+bool readHookEvent(std::span<char> payload, HookEvent& event) {
+    mendLoneSurrogates(payload);
+    EventSink sink(event);
+    return walkJsonInPlace(payload.data(), sink);
+}
+
+}  // namespace fleetwise::hook

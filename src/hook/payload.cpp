@@ -1,0 +1,49 @@
+#include "hook/payload.h"
+
+#include "hook/alarm.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+namespace fleetwise::hook {
+
+namespace {
+
+constexpr std::size_t firstCapacity = 64 << 10;
+
+/// A full pipe hands over its contents in pieces of this size.
+constexpr int widePipe = 1 << 20;
+
+}  // namespace
+
+bool Payload::grow() {
+    const std::size_t wanted = capacity == 0 ? firstCapacity : capacity * 4;
+    if (size > sizeLimit) return false;
+    auto* grown = static_cast<char*>(std::realloc(data, wanted + parserPadding));
+    if (grown == nullptr) return false;
+#ifdef F_SETPIPE_SZ
+    if (capacity != 0) ::fcntl(STDIN_FILENO, F_SETPIPE_SZ, widePipe);
+#endif
+    data = grown;
+    capacity = wanted;
+    return true;
+}
+
+bool Payload::read(std::chrono::seconds patience) {
+    const Alarm alarm(patience);
+    for (;;) {
+        if (size == capacity && !grow()) return false;
+        const ssize_t got = ::read(STDIN_FILENO, data + size, capacity - size);
+        if (got < 0) return false;
+        if (got == 0) break;
+        size += static_cast<std::size_t>(got);
+    }
+    std::memset(data + size, 0, parserPadding);
+    return true;
+}
+
+}  // namespace fleetwise::hook

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "hook/hook_event.h"
+#include "hook/status_record.h"
+
+#include <string_view>
+
+namespace fleetwise::hook {
+
+// What runs beside the session's own turn: subagents, commands, watches, planned wake-ups.
+
+/// Counts a subagent once, however often it is said to have started.
+void countSubagent(StatusRecord& record, std::string_view id);
+
+/// Takes a subagent off the count; whether it was on it.
+bool discountSubagent(StatusRecord& record, std::string_view id);
+
+/// Notes what the end of the event's tool leaves running or planned.
+void countLaunches(StatusRecord& record, const HookEvent& event, double now);
+
+/// Replaces what was counted by the agent's own list of what runs, where the event has one. What
+/// was known before keeps its start.
+void recount(StatusRecord& record, const HookEvent& event, double now);
+
+/// Whether the prompt is the agent's own notice about a task in the background.
+bool isTaskNotification(std::string_view prompt);
+
+/// Takes the task off the counts whose end such a prompt reports.
+void discountNotified(StatusRecord& record, std::string_view prompt);
+
+}  // namespace fleetwise::hook

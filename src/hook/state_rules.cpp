@@ -1,0 +1,336 @@
+// Each event has one rule, which takes one step from the old record to the new. Hooks of one
+// session run side by side, so that an event may get its turn after a later one: such a late event
+// still counts what starts and ends, but has no say about the state.
+
+#include "hook/state_rules.h"
+
+#include "hook/requests.h"
+#include "hook/running_work.h"
+#include "hook/tool_activity.h"
+
+#include <algorithm>
+
+namespace fleetwise::hook {
+
+namespace {
+
+/// An event this much older than the last one was not overtaken: the clock was set back.
+constexpr double longestDelay = 60;
+
+struct Step {
+    StatusRecord& record;
+    const HookEvent& event;
+    double now = 0;
+    bool mayDecide = true;  ///< the event is not late, and the session has not ended
+};
+
+/// The agent works on a prompt and has not answered yet.
+bool isTurnOpen(const StatusRecord& record) {
+    return record.state == SessionState::working && record.turnStartedAt && !record.doneAt;
+}
+
+void decide(const Step& step, SessionState state) {
+    step.record.state = state;
+    step.record.stateTs = step.now;
+}
+
+/// The turn goes on, even where it seemed to be over.
+void goOn(const Step& step) {
+    if (isAsking(step.record.state)) step.record.message = {};
+    decide(step, SessionState::working);
+    step.record.doneAt.reset();
+}
+
+// The rules. Each returns whether the record shows the event as the one it rests on.
+
+bool startSession(const Step& step) {
+    if (!step.mayDecide) return false;
+    if (step.event.source == "compact") {
+        // Within a turn this comes before or after the end of the compaction.
+        if (!isBusy(step.record.state)) decide(step, SessionState::idle);
+        return true;
+    }
+    StatusRecord cleared;
+    cleared.sessionId = step.record.sessionId;
+    cleared.agent = step.record.agent;
+    cleared.cwd = step.record.cwd;
+    cleared.permissionMode = step.record.permissionMode;
+    step.record = cleared;
+    decide(step, SessionState::idle);
+    return true;
+}
+
+bool submitPrompt(const Step& step) {
+    StatusRecord& record = step.record;
+    discountNotified(record, step.event.prompt);
+    if (!step.mayDecide) return false;
+    if (isTaskNotification(step.event.prompt)) {
+        withdraw(record, {}, step.now);
+    } else {
+        // A turn that never ended was interrupted, and took its helpers with it. Those in the
+        // background are listed again when the next turn ends.
+        if (isTurnOpen(record)) record.subagents.clear();
+        record.requests.clear();
+    }
+    record.message = {};
+    record.tool = {};
+    record.activity = {};
+    record.error = {};
+    record.turnStartedAt = step.now;
+    goOn(step);
+    return true;
+}
+
+bool startTool(const Step& step) {
+    if (!step.mayDecide) return false;
+    step.record.tool = step.event.toolName;
+    step.record.activity = toolActivity(step.event);
+    // A subagent's tool says nothing about the session, which may long have answered.
+    if (!isFromSubagent(step.event) && !isAsking(step.record.state)) goOn(step);
+    return true;
+}
+
+bool endTool(const Step& step) {
+    countLaunches(step.record, step.event, step.now);
+    if (!step.mayDecide) return false;
+    takeAnswers(step.record, step.event, step.now);
+    if (step.event.isInterrupt) withdraw(step.record, step.event.agentId, step.now);
+    if (isFromSubagent(step.event)) return true;
+    if (step.event.isInterrupt) {
+        step.record.turnStartedAt.reset();
+        decide(step, SessionState::idle);
+    } else {
+        goOn(step);
+    }
+    return true;
+}
+
+/// The question, or the plan's heading; empty where the tool and its activity say what is asked.
+std::string_view questionOf(const HookEvent& event) {
+    if (!event.toolInput.question.empty()) return event.toolInput.question;
+    const auto heading = firstLine(event.toolInput.plan);
+    return heading.substr(std::min(heading.find_first_not_of("# "), heading.size()));
+}
+
+bool requestPermission(const Step& step) {
+    if (!step.mayDecide) return false;
+    const bool isQuestion =
+        step.event.toolName == "AskUserQuestion" || step.event.toolName == "ExitPlanMode";
+    if (!isFromSubagent(step.event)) goOn(step);
+    ask(step.record, step.event, isQuestion ? SessionState::decision : SessionState::waiting,
+        questionOf(step.event), step.now);
+    return true;
+}
+
+bool elicit(const Step& step) {
+    if (!step.mayDecide) return false;
+    ask(step.record, step.event, SessionState::decision, step.event.message, step.now);
+    return true;
+}
+
+enum class Notice { permission, question, answered, idle, other };
+
+Notice kindOf(const HookEvent& event) {
+    const std::string_view type = event.notificationType;
+    if (type.empty()) {
+        const auto says = [&](std::string_view word) {
+            return event.message.find(word) != std::string_view::npos;
+        };
+        if (says("permission")) return Notice::permission;
+        return says("waiting") ? Notice::idle : Notice::other;
+    }
+    if (type == "permission_prompt") return Notice::permission;
+    if (type == "elicitation_dialog" || type == "elicitation_url_dialog" ||
+        type == "agent_needs_input") {
+        return Notice::question;
+    }
+    if (type == "elicitation_response" || type == "elicitation_complete") return Notice::answered;
+    return type == "idle_prompt" ? Notice::idle : Notice::other;
+}
+
+/// The agent sits at its prompt. That is news only where no answer, failure or question is shown.
+void noteIdleness(const Step& step) {
+    StatusRecord& record = step.record;
+    const bool hasAnswered = record.state == SessionState::done ||
+                             (record.state == SessionState::working && record.doneAt);
+    if (hasAnswered || record.state == SessionState::failed || isPending(record)) return;
+    record.message = step.event.message;
+    decide(step, SessionState::waiting);
+}
+
+bool notify(const Step& step) {
+    if (!step.mayDecide) return false;
+    const auto askUnlessPending = [&](SessionState state) {
+        if (isPending(step.record)) return;
+        ask(step.record, step.event, state, step.event.message, step.now);
+    };
+    switch (kindOf(step.event)) {
+        case Notice::permission:
+            askUnlessPending(SessionState::waiting);
+            break;
+        case Notice::question:
+            askUnlessPending(SessionState::decision);
+            break;
+        case Notice::answered:
+            takeDialogAnswers(step.record, step.now);
+            break;
+        case Notice::idle:
+            noteIdleness(step);
+            break;
+        case Notice::other:
+            break;
+    }
+    return true;
+}
+
+bool startSubagent(const Step& step) {
+    StatusRecord& record = step.record;
+    countSubagent(record, step.event.agentId);
+    if (!step.mayDecide) return false;
+    if (record.state == SessionState::idle || record.state == SessionState::unknown) {
+        decide(step, SessionState::working);
+    }
+    return true;
+}
+
+bool stopSubagent(const Step& step) {
+    StatusRecord& record = step.record;
+    const bool wasCounted = discountSubagent(record, step.event.agentId);
+    if (!step.mayDecide) return false;
+    if (isFromSubagent(step.event)) withdraw(record, step.event.agentId, step.now);
+    // Readers take a session that is "working" since its last subagent stopped for done. Where the
+    // session itself still works on its turn, or has failed, this event must not be the last.
+    if (!wasCounted || isPending(record) || isTurnOpen(record) ||
+        record.state == SessionState::compacting || record.state == SessionState::failed) {
+        return false;
+    }
+    decide(step, SessionState::working);
+    return true;
+}
+
+bool startCompaction(const Step& step) {
+    if (!step.mayDecide) return false;
+    if (step.event.trigger != "auto") step.record.turnStartedAt = step.now;
+    decide(step, SessionState::compacting);
+    return true;
+}
+
+bool endCompaction(const Step& step) {
+    if (!step.mayDecide) return false;
+    const bool isWithinTurn = step.event.trigger == "auto";
+    if (!isWithinTurn) step.record.turnStartedAt.reset();
+    decide(step, isWithinTurn ? SessionState::working : SessionState::idle);
+    return true;
+}
+
+void conclude(const Step& step, SessionState state) {
+    withdrawEnded(step.record, step.now);
+    step.record.message = step.event.lastAssistantMessage;
+    decide(step, state);
+}
+
+bool stop(const Step& step) {
+    StatusRecord& record = step.record;
+    recount(record, step.event, step.now);
+    if (!step.event.hasSessionCrons) record.wakeupAt.reset();
+    if (!step.mayDecide) return false;
+    if (record.state != SessionState::done || !record.doneAt) record.doneAt = step.now;
+    record.error = {};
+    conclude(step, SessionState::done);
+    return true;
+}
+
+bool fail(const Step& step) {
+    if (!step.mayDecide) return false;
+    step.record.error = step.event.error;
+    conclude(step, SessionState::failed);
+    return true;
+}
+
+bool endSession(const Step& step) {
+    if (!step.mayDecide) return false;
+    StatusRecord& record = step.record;
+    if (isAsking(record.state)) record.message = {};
+    record.requests.clear();
+    record.subagents.clear();
+    record.monitors.clear();
+    record.wakeupAt.reset();
+    decide(step, SessionState::dormant);
+    return true;
+}
+
+struct Rule {
+    std::string_view event;
+    bool (*apply)(const Step&);
+    bool opensSession = false;  ///< may speak even after the session has ended
+};
+
+constexpr Rule rules[] = {
+    {"SessionStart", startSession, true},
+    {"UserPromptSubmit", submitPrompt, true},
+    {"PreToolUse", startTool},
+    {"PostToolUse", endTool},
+    {"PostToolUseFailure", endTool},
+    {"Notification", notify},
+    {"PermissionRequest", requestPermission},
+    {"Elicitation", elicit},
+    {"StopFailure", fail},
+    {"Stop", stop},
+    {"SubagentStart", startSubagent},
+    {"SubagentStop", stopSubagent},
+    {"PreCompact", startCompaction},
+    {"PostCompact", endCompaction},
+    {"SessionEnd", endSession},
+};
+
+const Rule* ruleFor(std::string_view event) {
+    const auto found = std::find_if(std::begin(rules), std::end(rules),
+                                    [&](const Rule& rule) { return rule.event == event; });
+    return found == std::end(rules) ? nullptr : found;
+}
+
+bool isLate(const StatusRecord& record, double now) {
+    return record.stateTs && now < *record.stateTs && *record.stateTs - now < longestDelay;
+}
+
+/// Makes the state that readers derive from the last event the recorded one, as the next event
+/// takes that event's place.
+void settle(StatusRecord& record) {
+    const bool isThrough = record.state == SessionState::working &&
+                           record.event == "SubagentStop" && record.subagents.isEmpty();
+    if (!isThrough) return;
+    record.state = SessionState::done;
+    if (!record.doneAt) record.doneAt = record.eventTs;
+}
+
+std::string_view agentOf(const HookEvent& event) {
+    return event.transcriptPath.find("/.codex/") != std::string_view::npos ? "codex" : "claude";
+}
+
+void takeSurroundings(StatusRecord& record, const HookEvent& event) {
+    record.sessionId = event.sessionId;
+    record.agent = agentOf(event);
+    // A subagent may work in a folder and a mode of its own.
+    if (isFromSubagent(event)) return;
+    if (!event.cwd.empty()) record.cwd = event.cwd;
+    if (!event.permissionMode.empty()) record.permissionMode = event.permissionMode;
+}
+
+}  // namespace
+
+std::optional<StatusRecord> recordAfter(const std::optional<StatusRecord>& old,
+                                        const HookEvent& event, double now) {
+    const Rule* rule = ruleFor(event.name);
+    if (rule == nullptr) return {};
+    StatusRecord record = old.value_or(StatusRecord());
+    settle(record);
+    const bool late = isLate(record, now);
+    const bool hasEnded = record.state == SessionState::dormant && !rule->opensSession;
+    if (!late) takeSurroundings(record, event);
+    if (rule->apply({record, event, now, !late && !hasEnded})) record.event = event.name;
+    record.eventTs = late ? record.eventTs : now;
+    if (shownState(record) == SessionState::unknown) return {};
+    return record;
+}
+
+}  // namespace fleetwise::hook

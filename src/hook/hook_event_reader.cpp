@@ -2,6 +2,8 @@
 
 #include "foundation/json_surrogates.h"
 #include "hook/json_walk.h"
+#include "hook/long_texts.h"
+#include "hook/parser_padding.h"
 
 #include <algorithm>
 
@@ -117,9 +119,12 @@ void mendLoneSurrogates(std::span<char> payload) {
 }  // namespace
 
 bool readHookEvent(std::span<char> payload, HookEvent& event) {
-    mendLoneSurrogates(payload);
+    const std::span<char> text = cutLongTexts(payload);
+    const auto rest = payload.subspan(text.size());
+    std::fill_n(rest.begin(), std::min(rest.size(), parserPadding), '\0');
+    mendLoneSurrogates(text);
     EventSink sink(event);
-    return walkJsonInPlace(payload.data(), sink);
+    return walkJsonInPlace(text.data(), sink);
 }
 
 }  // namespace fleetwise::hook

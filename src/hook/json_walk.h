@@ -99,8 +99,8 @@ private:
     JsonPath path;
 };
 
-/// Reads the document at `text`, which ends with a NUL and 16 more readable bytes, and unescapes
-/// its texts in place; what follows the document is ignored. Whether it is valid JSON and not
+/// Reads the document at `text`, which parserPadding zero bytes follow, and unescapes its texts in
+/// place; what follows the document is ignored. Whether it is valid JSON and not
 /// nested deeper than maximumDepth.
 template <typename Sink>
 bool walkJsonInPlace(char* text, Sink& sink) {

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "hook/parser_padding.h"
+
 #include <chrono>
 #include <cstddef>
 #include <span>
 
 namespace fleetwise::hook {
-
-/// Bytes that must follow what is parsed: a NUL, and what the parser may load with it.
-inline constexpr std::size_t parserPadding = 32;
 
 /// All of standard input.
 class Payload {

@@ -76,6 +76,7 @@ bool submitPrompt(const Step& step) {
     record.tool = {};
     record.activity = {};
     record.error = {};
+    if (record.wakeupAt && *record.wakeupAt <= step.now) record.wakeupAt.reset();
     record.turnStartedAt = step.now;
     goOn(step);
     return true;

@@ -8,7 +8,7 @@
 #include "foundation/brand.h"
 #include "hook/alarm.h"
 #include "hook/exchange_names.h"
-#include "hook/payload.h"
+#include "hook/parser_padding.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -45,14 +45,14 @@ SessionState correctedState(SessionState recorded, const SessionRegistry::Entry&
 
 }  // namespace
 
-StateFinding reconciledState(std::optional<SessionState> recorded, std::optional<Date> lastEventAt,
+StateFinding reconciledState(std::optional<SessionState> recorded, std::optional<Date> recordedAt,
                              const SessionRegistry::Entry& entry, Date now) {
     if (!recorded) {
         return {.state = registryState(entry), .toldByRegistryAt = entry.statusUpdatedAt};
     }
     StateFinding finding{.state = *recorded};
     const auto& updatedAt = entry.statusUpdatedAt;
-    if (!updatedAt || (lastEventAt && *updatedAt <= *lastEventAt)) return finding;
+    if (!updatedAt || (recordedAt && *updatedAt <= *recordedAt)) return finding;
     const SessionState corrected = correctedState(*recorded, entry);
     if (corrected == *recorded) return finding;
     if (now >= *updatedAt && now - *updatedAt < settlingTime) {

@@ -21,9 +21,10 @@ struct StateFinding {
 
 /// The state of a live session from the hook's record and the agent's own registry entry. The
 /// registry tells what no event does: an interrupt, an answered or refused question, and
-/// everything where the hook is not installed. It is believed only where it is newer than the
-/// record's last event and has stood for a second; it never turns `done` or `failed` into `idle`.
-StateFinding reconciledState(std::optional<SessionState> recorded, std::optional<Date> lastEventAt,
+/// everything where the hook is not installed. It is believed only where it is newer than
+/// `recordedAt`, the time of the event that the recorded state rests on, and has stood for a
+/// second; it never turns `done` or `failed` into `idle`.
+StateFinding reconciledState(std::optional<SessionState> recorded, std::optional<Date> recordedAt,
                              const SessionRegistry::Entry& entry, Date now);
 
 }  // namespace fleetwise

@@ -102,8 +102,13 @@ Session liveSession(const SessionRegistry::Entry& entry, const StatusStore::Reco
     noteActivity(session, entry.statusUpdatedAt);
 
     std::optional<SessionState> recorded;
-    if (record != nullptr) recorded = repairedState(*record);
-    StateFinding finding = reconciledState(recorded, session.lastEventAt, entry, rules.now);
+    std::optional<Date> recordedAt;
+    if (record != nullptr) {
+        recorded = repairedState(*record);
+        // A subagent's events make no older word about the session newer than the registry's.
+        recordedAt = record->stateTs ? record->stateTs : session.lastEventAt;
+    }
+    StateFinding finding = reconciledState(recorded, recordedAt, entry, rules.now);
     isUnsettled = isUnsettled || finding.isUnsettled;
     if (finding.toldByRegistryAt) {
         session.stateSince = finding.toldByRegistryAt;

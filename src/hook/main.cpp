@@ -18,6 +18,7 @@
 namespace {
 
 using namespace fleetwise::hook;
+using fleetwise::SessionState;
 
 constexpr std::chrono::seconds payloadPatience(10);
 
@@ -50,7 +51,9 @@ std::string_view handle(std::string_view eventName, double now) {
     if (!record) return {};
     const std::string_view written = writeStatusText(*record, newText);
     if (written.empty()) return "the status is too large";
-    return file.replace(written) ? std::string_view() : "the status file cannot be replaced";
+    if (!file.replace(written)) return "the status file cannot be replaced";
+    if (record->state == SessionState::dormant) file.removeLock();
+    return {};
 }
 
 }  // namespace

@@ -20,6 +20,10 @@ constexpr int widePipe = 1 << 20;
 
 }  // namespace
 
+Payload::~Payload() {
+    std::free(data);
+}
+
 bool Payload::grow() {
     const std::size_t wanted = capacity == 0 ? firstCapacity : capacity * 4;
     if (size > sizeLimit) return false;

@@ -13,6 +13,11 @@ class Payload {
 public:
     static constexpr std::size_t sizeLimit = 256 << 20;
 
+    Payload() = default;
+    Payload(const Payload&) = delete;
+    Payload& operator=(const Payload&) = delete;
+    ~Payload();
+
     /// Reads to the end. False where that takes longer than `patience`, fails, or is more than
     /// sizeLimit.
     bool read(std::chrono::seconds patience);
@@ -23,7 +28,7 @@ public:
 private:
     bool grow();
 
-    char* data = nullptr;  // stays until the program ends
+    char* data = nullptr;
     std::size_t size = 0;
     std::size_t capacity = 0;
 };

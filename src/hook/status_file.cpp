@@ -106,7 +106,15 @@ void StatusFile::lock() {
         const Alarm alarm(lockPatience);
         isLocked = ::flock(file.get(), LOCK_EX) == 0;
     }
-    if (isLocked) lockFile = std::move(file);
+    if (!isLocked) return;
+    struct ::stat status {};
+    const bool wasRemoved = ::fstat(file.get(), &status) == 0 && status.st_nlink == 0;
+    if (wasRemoved) return lock();  // by the end of the session; others may hold the next one
+    lockFile = std::move(file);
+}
+
+void StatusFile::removeLock() {
+    if (lockFile) ::unlinkat(folder.get(), lockName.data(), 0);
 }
 
 std::span<char> StatusFile::read(std::span<char> space) {

@@ -30,6 +30,9 @@ public:
     /// killed, finds the old text or the new. Whether that worked.
     bool replace(std::string_view text);
 
+    /// Leaves no trace but the status file itself: for a session that has ended.
+    void removeLock();
+
 private:
     using Name = std::array<char, 192>;
 

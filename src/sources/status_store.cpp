@@ -166,6 +166,7 @@ constexpr std::array recordMembers{
     Member{"background", readField<&Record::background>},
     Member{"monitors", readField<&Record::monitors>},
     Member{"wakeup_at", readField<&Record::wakeupAt>},
+    Member{"state_ts", readField<&Record::stateTs>},
 };
 
 std::optional<Record> readRecord(JsonObject object) {

@@ -60,6 +60,7 @@ public:
         std::map<std::string, Launch> background;                   ///< by the command's id
         std::map<std::string, std::vector<MonitorField>> monitors;  ///< by the watch's id
         std::optional<Date> wakeupAt;  ///< when a scheduled session goes on
+        std::optional<Date> stateTs;   ///< time of the event that last spoke for the state
 
         bool operator==(const Record&) const = default;
     };

@@ -20,6 +20,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 std::string payload(const std::string& members) {
     return R"({"session_id":"s1","cwd":"/work",)" + members + "}\n";
@@ -45,6 +46,17 @@ TEST(HookProgram, countsAHundredAtOnce) {
     EXPECT_EQ(hook.record("s1")->subagents, 30);
     EXPECT_THAT(hook.names("status"), ElementsAre("s1.json"));
     EXPECT_THAT(hook.names("locks"), ElementsAre("s1.lock"));
+
+    std::vector<pid_t> processes;
+    for (int number = 0; number < 20; ++number) {
+        processes.push_back(hook.start("SessionEnd", payload(R"("reason":"other")")));
+        processes.push_back(hook.start("SubagentStart", ofAgent(number + 200)));
+    }
+    for (const pid_t process : processes)
+        EXPECT_EQ(exitStatusOf(process), 0);
+    hook.run("SessionEnd", payload(R"("reason":"other")"));
+    EXPECT_EQ(hook.record("s1")->state, "dormant");
+    EXPECT_THAT(hook.names("locks"), IsEmpty());
 }
 
 TEST(HookProgram, losesNothingInARow) {
@@ -88,7 +100,7 @@ TEST(HookProgram, leavesTheOldOrTheNewFileWhenKilled) {
         tool = *record->tool;
     }
     EXPECT_GT(killed, 100);
-    hook.run("PreToolUse", useTool(501));
+    EXPECT_EQ(exitStatusOf(hook.start("PreToolUse", useTool(501))), 0);
     EXPECT_EQ(hook.record("s1")->tool, "Tool501");
     EXPECT_THAT(hook.names("status"), ElementsAre("s1.json"));
     EXPECT_THAT(hook.names("locks"), ElementsAre("s1.lock"));

@@ -42,7 +42,8 @@ TEST(StatusRecord, holdsEveryKey) {
             "tool":"Bash","activity":"Küche","message":"Erlauben?","cwd":"/w","ts":100.5,
             "event_ts":100,"permission_mode":"plan","turn_started_at":90,"done_at":80.25,
             "subagents":2.0,"background":{"b":{"cmd":"make","at":70},"c":{}},
-            "monitors":{"m":["Pipeline",300]},"wakeup_at":1e3,"pending_agent":{"new":[1]}})");
+            "monitors":{"m":["Pipeline",300]},"wakeup_at":1e3,"state_ts":99,
+           "requests":{"new":[1]}})");
     Record expected{.sessionId = "id",
                     .state = "waiting",
                     .event = "PermissionRequest",
@@ -59,7 +60,8 @@ TEST(StatusRecord, holdsEveryKey) {
                     .subagents = 2,
                     .background = {{"b", {.cmd = "make", .at = dateFromSeconds(70)}}, {"c", {}}},
                     .monitors = {{"m", {"Pipeline", 300.0}}},
-                    .wakeupAt = dateFromSeconds(1000)};
+                    .wakeupAt = dateFromSeconds(1000),
+                    .stateTs = dateFromSeconds(99)};
     EXPECT_EQ(record, expected);
 }
 

@@ -1,28 +1,35 @@
 #include "app/command_line.h"
 
-#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace fleetwise {
 
 namespace {
 
-constexpr std::array<std::string_view, 10> switchesToCome{
-    "--install-hooks",  "--uninstall-hooks",      "--write-iconset",
-    "--write-og-image", "--write-dmg-background", "--check-dmg-background",
-    "--dmg-layout",     "--verify-licence",       "--selftest",
-    "--stall-probe",
-};
+constexpr std::array<std::pair<std::string_view, Job>, 11> switches{{
+    {"--dump", Job::report},
+    {"--install-hooks", Job::installHooks},
+    {"--uninstall-hooks", Job::uninstallHooks},
+    {"--selftest", Job::notAvailable},
+    {"--verify-licence", Job::notAvailable},
+    {"--write-iconset", Job::notAvailable},
+    {"--write-og-image", Job::notAvailable},
+    {"--write-dmg-background", Job::notAvailable},
+    {"--check-dmg-background", Job::notAvailable},
+    {"--dmg-layout", Job::notAvailable},
+    {"--stall-probe", Job::notAvailable},
+}};
 
 }  // namespace
 
 Command parseCommand(const std::vector<std::string>& arguments) {
     if (arguments.empty() || !arguments.front().starts_with("--")) return {};
     const std::string& argument = arguments.front();
-    if (argument == "--dump") return {Job::report, argument};
-    const bool isToCome =
-        std::find(switchesToCome.begin(), switchesToCome.end(), argument) != switchesToCome.end();
-    return {isToCome ? Job::notAvailable : Job::unknownSwitch, argument};
+    for (const auto& [name, job] : switches) {
+        if (argument == name) return {job, argument};
+    }
+    return {Job::unknownSwitch, argument};
 }
 
 std::string unknownSwitchMessage(std::string_view argument) {

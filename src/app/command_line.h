@@ -8,8 +8,10 @@ namespace fleetwise {
 
 /// What the program was started for.
 enum class Job {
-    report,        ///< print the diagnostic report
-    notAvailable,  ///< a switch that this version knows but cannot carry out
+    report,          ///< print the diagnostic report
+    installHooks,    ///< install the hook program and its entries
+    uninstallHooks,  ///< take the entries out again
+    notAvailable,    ///< a switch that this version knows but cannot carry out
     unknownSwitch,
     application,  ///< no switch: the application itself
 };

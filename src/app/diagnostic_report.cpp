@@ -22,12 +22,11 @@ void printDirectories(Output out, const Diagnostics& diagnostics) {
 }
 
 void printLanguages(Output out, const Diagnostics& diagnostics) {
-    const auto& preferred = diagnostics.preferredLanguages;
+    const auto& [preferred, setting, language] = diagnostics.language;
     fmt::format_to(out, "Sprachen   {}\n",
                    preferred.empty() ? "keine angegeben"
                                      : printable(fmt::format("{}", fmt::join(preferred, ", "))));
-    fmt::format_to(out, "           gewählt: {}   Oberfläche: {}\n",
-                   printable(diagnostics.languageSetting), diagnostics.interfaceLanguage);
+    fmt::format_to(out, "           gewählt: {}   Oberfläche: {}\n", printable(setting), language);
     fmt::format_to(out,
                    "           Sparkle: nicht vorhanden   Aktualisierung: keine, dieses "
                    "Programm enthält kein Update-Framework\n");

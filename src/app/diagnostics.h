@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/language_choice.h"
 #include "fleet/fleet_snapshot.h"
 #include "reactions/stall.h"
 
@@ -20,9 +21,7 @@ struct Diagnostics {
     bool hooksInstalled = false;
     bool hookIsCurrent = true;
 
-    std::vector<std::string> preferredLanguages;
-    std::string languageSetting;
-    std::string interfaceLanguage;
+    LanguageChoice language;
 
     double firstMilliseconds = 0;  ///< of the first pass
     double warmMilliseconds = 0;   ///< of a second pass right after it

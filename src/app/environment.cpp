@@ -21,4 +21,9 @@ std::optional<std::string> programResource(const std::string& name) {
     return resource.string();
 }
 
+std::optional<std::string> bundledHook() {
+    if (auto beside = programResource("bin/fleetwise-hook")) return beside;
+    return programResource("lib/fleetwise/fleetwise-hook");
+}
+
 }  // namespace fleetwise

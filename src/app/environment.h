@@ -13,4 +13,8 @@ std::optional<std::string> environmentVariable(const std::string& name);
 /// installation are found alike. Nothing where there is none.
 std::optional<std::string> programResource(const std::string& name);
 
+/// The hook program that came with this program: beside it in the build tree, below "lib" in the
+/// installation. Nothing where none came with it.
+std::optional<std::string> bundledHook();
+
 }  // namespace fleetwise

@@ -4,8 +4,6 @@
 #include "app/environment.h"
 #include "app/machine_sources.h"
 #include "fleet/remembered_hosts.h"
-#include "localisation/language.h"
-#include "localisation/localisation.h"
 #include "monitor/settings.h"
 #include "sources/hook_installer.h"
 #include "sources/host_app_memory.h"
@@ -20,18 +18,6 @@ namespace {
 double millisecondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
         .count();
-}
-
-void chooseLanguage(Diagnostics& diagnostics, const Settings& settings) {
-    diagnostics.preferredLanguages = preferredLanguages(environmentVariable);
-    diagnostics.languageSetting = settings.language();
-    diagnostics.interfaceLanguage =
-        interfaceLanguage(diagnostics.languageSetting, diagnostics.preferredLanguages);
-    StringsTable table;
-    if (const auto tables = programResource("share/fleetwise")) {
-        table = loadStringsTable(*tables, diagnostics.interfaceLanguage);
-    }
-    setInterfaceLanguage(diagnostics.interfaceLanguage, std::move(table));
 }
 
 void collectFleet(Diagnostics& diagnostics, const Settings& settings) {
@@ -51,14 +37,9 @@ void collectFleet(Diagnostics& diagnostics, const Settings& settings) {
     diagnostics.timings = shared.timings;
 }
 
-std::optional<std::string> bundledHook() {
-    if (auto beside = programResource("bin/fleetwise-hook")) return beside;
-    return programResource("lib/fleetwise/fleetwise-hook");
-}
-
 }  // namespace
 
-std::string runReport(UserDefaults& defaults) {
+std::string runReport(UserDefaults& defaults, const LanguageChoice& language) {
     const Settings settings(defaults);
     Diagnostics diagnostics;
     diagnostics.now = currentDate();
@@ -69,9 +50,11 @@ std::string runReport(UserDefaults& defaults) {
     diagnostics.desktopDirectory = Paths::desktopCodeSessions();
     diagnostics.hooksInstalled =
         HookInstaller::isInstalled(Paths::settingsFile(), Paths::installedHook());
-    diagnostics.hookIsCurrent = HookInstaller::isCurrent(bundledHook(), Paths::installedHook());
+    // Only an installed copy is renewed, so only that can be out of date.
+    diagnostics.hookIsCurrent = !diagnostics.hooksInstalled ||
+                                HookInstaller::isCurrent(bundledHook(), Paths::installedHook());
     diagnostics.stalls = loadStalls(Paths::stallsFile());
-    chooseLanguage(diagnostics, settings);
+    diagnostics.language = language;
     collectFleet(diagnostics, settings);
 
     HostAppMemory hosts(Paths::hostsFile(), defaults, diagnostics.now);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/language_choice.h"
 #include "foundation/user_defaults.h"
 
 #include <string>
@@ -7,7 +8,7 @@
 namespace fleetwise {
 
 /// Collects the fleet once cold and once warm, as the application does, and returns the
-/// diagnostic report. Sets the interface language by the settings.
-std::string runReport(UserDefaults& defaults);
+/// diagnostic report.
+std::string runReport(UserDefaults& defaults, const LanguageChoice& language);
 
 }  // namespace fleetwise

@@ -20,8 +20,8 @@ struct ToolInput {
 
 /// What a tool answered, as far as it outlives the call.
 struct ToolResponse {
-    std::string_view backgroundTaskId;  ///< of a command left running
-    std::string_view taskId;            ///< of a watch, but other tools have such a key too
+    std::string_view backgroundTaskId;   ///< of a command left running
+    std::string_view taskId;             ///< of a watch, but other tools have such a key too
     std::optional<double> scheduledFor;  ///< milliseconds since 1970
     std::optional<double> nextFireAt;    ///< milliseconds since 1970; the earliest one named
 };

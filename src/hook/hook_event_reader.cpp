@@ -34,10 +34,14 @@ constexpr TextKey<HookEvent> eventKeys[] = {
 };
 
 constexpr TextKey<ToolInput> inputKeys[] = {
-    {"description", &ToolInput::description}, {"command", &ToolInput::command},
-    {"file_path", &ToolInput::filePath},      {"notebook_path", &ToolInput::filePath},
-    {"pattern", &ToolInput::pattern},         {"query", &ToolInput::pattern},
-    {"url", &ToolInput::url},                 {"plan", &ToolInput::plan},
+    {"description", &ToolInput::description},
+    {"command", &ToolInput::command},
+    {"file_path", &ToolInput::filePath},
+    {"notebook_path", &ToolInput::filePath},
+    {"pattern", &ToolInput::pattern},
+    {"query", &ToolInput::pattern},
+    {"url", &ToolInput::url},
+    {"plan", &ToolInput::plan},
 };
 
 constexpr TextKey<ToolResponse> responseKeys[] = {
@@ -46,10 +50,8 @@ constexpr TextKey<ToolResponse> responseKeys[] = {
 };
 
 constexpr TextKey<BackgroundTask> taskKeys[] = {
-    {"id", &BackgroundTask::id},
-    {"type", &BackgroundTask::type},
-    {"status", &BackgroundTask::status},
-    {"description", &BackgroundTask::description},
+    {"id", &BackgroundTask::id},           {"type", &BackgroundTask::type},
+    {"status", &BackgroundTask::status},   {"description", &BackgroundTask::description},
     {"command", &BackgroundTask::command},
 };
 
@@ -79,8 +81,7 @@ public:
         if (path.size() == 2 && path[0] == "tool_response") {
             assign(responseKeys, path[1], value, event.toolResponse);
         }
-        if (path.size() == 3 && path[0] == "background_tasks" &&
-            !event.backgroundTasks.isEmpty()) {
+        if (path.size() == 3 && path[0] == "background_tasks" && !event.backgroundTasks.isEmpty()) {
             assign(taskKeys, path[2], value, event.backgroundTasks.all().back());
         }
         if (path.is("tool_input", "questions", "", "question") &&

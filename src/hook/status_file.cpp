@@ -48,8 +48,9 @@ FileDescriptor openFolder(int parent, const char* name) {
 FileDescriptor openStateFolder(std::string_view home) {
     std::array<char, 4096> path{};
     const auto print = [&](const char* separator, const char* name) {
-        const int length = std::snprintf(path.data(), path.size(), "%.*s/.claude%s%s",
-                                         static_cast<int>(home.size()), home.data(), separator, name);
+        const int length =
+            std::snprintf(path.data(), path.size(), "%.*s/.claude%s%s",
+                          static_cast<int>(home.size()), home.data(), separator, name);
         return length > 0 && static_cast<std::size_t>(length) < path.size();
     };
     const char* name = Brand::stateDirName.data();
@@ -83,8 +84,7 @@ bool isUsableSessionId(std::string_view id) {
            std::all_of(id.begin(), id.end(), isIdCharacter);
 }
 
-StatusFile::StatusFile(std::string_view home, std::string_view id)
-    : folder(openStateFolder(home)) {
+StatusFile::StatusFile(std::string_view home, std::string_view id) : folder(openStateFolder(home)) {
     const auto print = [&](Name& name, const char* format) {
         std::snprintf(name.data(), name.size(), format, static_cast<int>(id.size()), id.data());
     };

@@ -26,8 +26,8 @@ public:
     /// there is no file, or one that no hook wrote.
     std::span<char> read(std::span<char> space);
 
-    /// After read, puts `text` in the file's place as a whole: whoever reads it, and whenever this process is
-    /// killed, finds the old text or the new. Whether that worked.
+    /// After read, puts `text` in the file's place as a whole: whoever reads it, and whenever this
+    /// process is killed, finds the old text or the new. Whether that worked.
     bool replace(std::string_view text);
 
     /// Leaves no trace but the status file itself: for a session that has ended.

@@ -15,7 +15,8 @@ inline constexpr std::size_t characterLimit = 400;
 inline constexpr std::size_t statusTextLimit = 1 << 20;
 
 /// Reads the text of a status file, which is unescaped in place and must be followed by
-/// parserPadding zero bytes. False where it is not JSON; what has another type than expected is left out.
+/// parserPadding zero bytes. False where it is not JSON; what has another type than expected is
+/// left out.
 bool readStatusText(std::span<char> text, StatusRecord& record);
 
 /// Writes the status file into `space` and returns its text; empty where it does not fit. Texts

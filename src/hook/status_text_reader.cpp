@@ -26,8 +26,10 @@ constexpr FieldKey<std::string_view> textKeys[] = {
 };
 
 constexpr FieldKey<std::optional<double>> timeKeys[] = {
-    {"state_ts", &StatusRecord::stateTs},     {"turn_started_at", &StatusRecord::turnStartedAt},
-    {"done_at", &StatusRecord::doneAt},       {"wakeup_at", &StatusRecord::wakeupAt},
+    {"state_ts", &StatusRecord::stateTs},
+    {"turn_started_at", &StatusRecord::turnStartedAt},
+    {"done_at", &StatusRecord::doneAt},
+    {"wakeup_at", &StatusRecord::wakeupAt},
 };
 
 template <typename Field, std::size_t count>

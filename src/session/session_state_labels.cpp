@@ -1,8 +1,7 @@
 // Apart from the states themselves, which the hook program shares without any texts.
 
-#include "session/session_state.h"
-
 #include "localisation/localisation.h"
+#include "session/session_state.h"
 
 namespace fleetwise {
 

@@ -14,6 +14,8 @@ TEST(CommandLine, readsTheFirstArgumentOnly) {
         {"none", {}, Job::application},
         {"report", {"--dump"}, Job::report},
         {"report with more behind it", {"--dump", "--wolke"}, Job::report},
+        {"hooks", {"--install-hooks"}, Job::installHooks},
+        {"hooks again", {"--uninstall-hooks"}, Job::uninstallHooks},
         {"an argument of the system's", {"-psn_0_1234", "--dump"}, Job::application},
         {"an address", {"fleetwise://activate/x"}, Job::application},
         {"unknown", {"--wolke"}, Job::unknownSwitch},

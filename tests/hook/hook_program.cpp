@@ -4,9 +4,9 @@
 #include "foundation/json_reader.h"
 
 #include <gtest/gtest.h>
+#include <spawn.h>
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

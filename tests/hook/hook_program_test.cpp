@@ -1,11 +1,11 @@
 // The real program: many at once, many in a row, killed at any moment, and fed with anything.
 
-#include "foundation/json.h"
 #include "hook_program.h"
 
-#include <gmock/gmock.h>
+#include "foundation/json.h"
 
 #include <fmt/format.h>
+#include <gmock/gmock.h>
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -3,9 +3,13 @@
 // object on one line:
 // {"firstMs":…,"warmMs":… (median),"phases":{"name":ms,…} (of the median pass),"sessions":…,
 //  "peakMiB":…}
+//
+// fleetwise-bench hook PROGRAM [N]: times the hook program against /bin/true and others, N times
+// each (100 unless given); see hook_bench.h.
 
 #include "app/machine_sources.h"
 #include "foundation/user_defaults.h"
+#include "hook_bench.h"
 #include "monitor/settings.h"
 #include "sources/paths.h"
 
@@ -22,7 +26,8 @@
 namespace fleetwise {
 namespace {
 
-constexpr int usualRepetitions = 20;
+constexpr int usualPasses = 20;
+constexpr int usualHookRuns = 100;
 
 struct Measurement {
     double milliseconds = 0;
@@ -87,8 +92,14 @@ int benchPass(const std::string& home, int repetitions) {
 }
 
 int usage() {
-    std::fputs("usage: fleetwise-bench pass HOME [N]\n", stderr);
+    std::fputs("usage: fleetwise-bench pass HOME [N]\n       fleetwise-bench hook PROGRAM [N]\n",
+               stderr);
     return 2;
+}
+
+int missing(const std::string& path, const char* kind) {
+    std::fprintf(stderr, "fleetwise-bench: %s is no %s\n", path.c_str(), kind);
+    return 1;
 }
 
 }  // namespace
@@ -97,12 +108,17 @@ int usage() {
 int main(int argumentCount, char** arguments) {
     using namespace fleetwise;
     const std::vector<std::string> given(arguments + 1, arguments + argumentCount);
-    if (given.size() < 2 || given.size() > 3 || given[0] != "pass") return usage();
-    const int repetitions = given.size() == 3 ? std::atoi(given[2].c_str()) : usualRepetitions;
+    if (given.size() < 2 || given.size() > 3) return usage();
+    const bool isHook = given[0] == "hook";
+    if (!isHook && given[0] != "pass") return usage();
+    const int usual = isHook ? usualHookRuns : usualPasses;
+    const int repetitions = given.size() == 3 ? std::atoi(given[2].c_str()) : usual;
     if (repetitions < 1) return usage();
-    if (!std::filesystem::is_directory(given[1])) {
-        std::fprintf(stderr, "fleetwise-bench: %s is no folder\n", given[1].c_str());
-        return 1;
+    const std::string path = std::filesystem::absolute(given[1]).string();
+    if (isHook) {
+        return std::filesystem::is_regular_file(path) ? benchHook(path, repetitions)
+                                                      : missing(path, "program");
     }
-    return benchPass(std::filesystem::absolute(given[1]).string(), repetitions);
+    return std::filesystem::is_directory(path) ? benchPass(path, repetitions)
+                                               : missing(path, "folder");
 }

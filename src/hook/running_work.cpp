@@ -8,6 +8,13 @@ namespace fleetwise::hook {
 
 namespace {
 
+/// Agents' own ids have some ten characters. What is longer could fill the status file.
+constexpr std::size_t longestId = 128;
+
+bool isUsableId(std::string_view id) {
+    return !id.empty() && id.size() <= longestId;
+}
+
 std::string_view orElse(std::string_view text, std::string_view otherwise) {
     return text.empty() ? otherwise : text;
 }
@@ -20,10 +27,10 @@ auto* entryOf(List& list, std::string_view id) {
     return found == entries.end() ? nullptr : &*found;
 }
 
-/// Adds the entry unless it is known or has no id.
+/// Adds the entry unless it is known or has no usable id.
 template <typename List, typename Entry>
 void addOnce(List& list, const Entry& entry) {
-    if (!entry.id.empty() && entryOf(list, entry.id) == nullptr) list.add(entry);
+    if (isUsableId(entry.id) && entryOf(list, entry.id) == nullptr) list.add(entry);
 }
 
 template <typename List>
@@ -62,7 +69,7 @@ std::string_view element(std::string_view text, std::string_view opening) {
 
 void countSubagent(StatusRecord& record, std::string_view id) {
     const auto ids = record.subagents.all();
-    if (id.empty() || std::find(ids.begin(), ids.end(), id) != ids.end()) return;
+    if (!isUsableId(id) || std::find(ids.begin(), ids.end(), id) != ids.end()) return;
     record.subagents.add(id);
 }
 

@@ -26,7 +26,7 @@ void noteActivity(Session& session, const std::optional<Date>& date) {
 Date recordedSince(const StatusStore::Record& record, SessionState state) {
     if (state == SessionState::done && record.doneAt) return *record.doneAt;
     if (isBusy(state) && record.turnStartedAt) return *record.turnStartedAt;
-    return lastEventDate(record);
+    return record.stateTs.value_or(lastEventDate(record));
 }
 
 void takeRecord(Session& session, const StatusStore::Record& record) {

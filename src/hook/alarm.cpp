@@ -23,6 +23,11 @@ Alarm::Alarm(std::chrono::milliseconds time) {
     struct ::sigaction action {};
     action.sa_handler = [](int) {};
     ::sigaction(SIGALRM, &action, nullptr);
+    // Whoever started this program may have blocked the signal.
+    ::sigset_t signals;
+    ::sigemptyset(&signals);
+    ::sigaddset(&signals, SIGALRM);
+    ::sigprocmask(SIG_UNBLOCK, &signals, nullptr);
     setTimer(time, std::chrono::milliseconds(100));
 }
 

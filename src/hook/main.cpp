@@ -32,7 +32,32 @@ double currentTime() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_usec) / 1e6;
 }
 
-/// Brings the session's status file up to date with the event; what went wrong, if anything.
+/// Whether the record is in the file's place.
+bool write(StatusFile& file, StatusRecord record) {
+    std::string_view text = writeStatusText(record, newText);
+    if (text.empty()) {
+        // Only what others wrote into the file can be so large.
+        record.subagents.clear();
+        record.background.clear();
+        record.monitors.clear();
+        text = writeStatusText(record, newText);
+    }
+    return file.replace(text);
+}
+
+/// Brings the status file up to date with the event; whether that worked.
+bool update(StatusFile& file, const HookEvent& event, double now) {
+    std::optional<StatusRecord> old;
+    const std::span<char> text = file.read(oldText);
+    if (!text.empty() && !readStatusText(text, old.emplace())) old.reset();
+    const auto record = recordAfter(old, event, now);
+    const bool isUpToDate = !record || write(file, *record);
+    const auto& latest = record ? record : old;
+    if (latest && latest->state == SessionState::dormant) file.removeLock();
+    return isUpToDate;
+}
+
+/// What went wrong with the event on standard input, if anything.
 std::string_view handle(std::string_view eventName, double now) {
     Payload payload;
     if (!payload.read(payloadPatience)) return "the payload cannot be read";
@@ -41,19 +66,9 @@ std::string_view handle(std::string_view eventName, double now) {
     if (!isUsableSessionId(event.sessionId)) return "the session's id is missing or odd";
     const char* home = std::getenv("HOME");
     if (home == nullptr || *home == '\0') return "HOME is not set";
-
     StatusFile file(home, event.sessionId);
     if (!file) return "the state folder cannot be opened";
-    std::optional<StatusRecord> old;
-    const std::span<char> text = file.read(oldText);
-    if (!text.empty() && !readStatusText(text, old.emplace())) old.reset();
-    const auto record = recordAfter(old, event, now);
-    if (!record) return {};
-    const std::string_view written = writeStatusText(*record, newText);
-    if (written.empty()) return "the status is too large";
-    if (!file.replace(written)) return "the status file cannot be replaced";
-    if (record->state == SessionState::dormant) file.removeLock();
-    return {};
+    return update(file, event, now) ? std::string_view() : "the status file cannot be replaced";
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ public:
     Payload& operator=(const Payload&) = delete;
     ~Payload();
 
-    /// Reads to the end. False where that takes longer than `patience`, fails, or is more than
+    /// Reads to the end, or what comes within `patience`. False where that fails or is more than
     /// sizeLimit.
     bool read(std::chrono::seconds patience);
 

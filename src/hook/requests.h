@@ -22,16 +22,18 @@ bool isPending(const StatusRecord& record);
 void ask(StatusRecord& record, const HookEvent& event, SessionState state, std::string_view message,
          double now);
 
-/// Notes which requests the end of the event's tool shows to be answered.
+// In what follows `now` is the time of the event that tells; what was asked later stays.
+
+/// Takes back what the end of the event's tool shows to be answered.
 void takeAnswers(StatusRecord& record, const HookEvent& event, double now);
 
-/// Notes that questions which no tool's call waits for were answered.
-void takeDialogAnswers(StatusRecord& record, double now);
+/// Takes back the oldest question that no tool of the agent's own asks.
+void takeDialogAnswer(StatusRecord& record, double now);
 
-/// Notes that the subagent, or with an empty id the session itself, asks nothing any more.
+/// Takes back what the subagent asks, or with an empty id the session itself.
 void withdraw(StatusRecord& record, std::string_view agent, double now);
 
-/// Notes that nothing is asked any more but by subagents that go on.
+/// Takes back all but what subagents ask that are counted as running.
 void withdrawEnded(StatusRecord& record, double now);
 
 }  // namespace fleetwise::hook

@@ -52,7 +52,8 @@ void planWakeup(StatusRecord& record, const HookEvent& event, double now) {
     }
     if (event.toolName.starts_with("Cron") && response.nextFireAt) {
         const double next = *response.nextFireAt / 1000;
-        const bool isAhead = record.wakeupAt && *record.wakeupAt > now;
+        const bool isOneOfMany = event.toolName != "CronList";
+        const bool isAhead = isOneOfMany && record.wakeupAt && *record.wakeupAt > now;
         record.wakeupAt = isAhead ? std::min(*record.wakeupAt, next) : next;
     }
 }
@@ -115,14 +116,15 @@ bool isTaskNotification(std::string_view prompt) {
            prompt.substr(begin).starts_with("<task-notification>");
 }
 
-void discountNotified(StatusRecord& record, std::string_view prompt) {
-    if (!isTaskNotification(prompt)) return;
+std::string_view discountNotified(StatusRecord& record, std::string_view prompt) {
+    if (!isTaskNotification(prompt)) return {};
     const auto status = element(prompt, "<status>");
-    if (status.empty() || status == "running") return;  // a watch that goes on
+    if (status.empty() || status == "running") return {};  // a watch that goes on
     const auto id = element(prompt, "<task-id>");
     discountSubagent(record, id);
     removeEntry(record.background, id);
     removeEntry(record.monitors, id);
+    return id;
 }
 
 }  // namespace fleetwise::hook

@@ -25,7 +25,8 @@ void recount(StatusRecord& record, const HookEvent& event, double now);
 /// Whether the prompt is the agent's own notice about a task in the background.
 bool isTaskNotification(std::string_view prompt);
 
-/// Takes the task off the counts whose end such a prompt reports.
-void discountNotified(StatusRecord& record, std::string_view prompt);
+/// Takes the task off the counts whose end such a prompt reports; its id, empty where it reports
+/// none.
+std::string_view discountNotified(StatusRecord& record, std::string_view prompt);
 
 }  // namespace fleetwise::hook

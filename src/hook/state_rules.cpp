@@ -14,14 +14,14 @@ namespace fleetwise::hook {
 
 namespace {
 
-/// An event this much older than the last one was not overtaken: the clock was set back.
-constexpr double longestDelay = 60;
+/// In seconds: a prompt so soon after another is the same one, reported by a hook registered twice.
+constexpr double repetition = 1;
 
 struct Step {
     StatusRecord& record;
     const HookEvent& event;
     double now = 0;
-    bool mayDecide = true;  ///< the event is not late, and the session has not ended
+    bool isLate = false;  ///< a later event has decided the state already
 };
 
 /// The agent works on a prompt and has not answered yet.
@@ -31,6 +31,7 @@ bool isTurnOpen(const StatusRecord& record) {
 
 void decide(const Step& step, SessionState state) {
     step.record.state = state;
+    step.record.decidedAt = step.now;
     step.record.stateTs = step.now;
 }
 
@@ -44,7 +45,7 @@ void goOn(const Step& step) {
 // The rules. Each returns whether the record shows the event as the one it rests on.
 
 bool startSession(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     if (step.event.source == "compact") {
         // Within a turn this comes before or after the end of the compaction.
         if (!isBusy(step.record.state)) decide(step, SessionState::idle);
@@ -60,18 +61,20 @@ bool startSession(const Step& step) {
     return true;
 }
 
+/// Whether the prompt comes while the agent has not answered the last one: its turn was interrupted
+/// and took its helpers with it. Those in the background are listed again when a turn ends.
+bool isAfterInterrupt(const Step& step) {
+    return isTurnOpen(step.record) && !isTaskNotification(step.event.prompt) &&
+           step.now - *step.record.turnStartedAt > repetition;
+}
+
 bool submitPrompt(const Step& step) {
     StatusRecord& record = step.record;
-    discountNotified(record, step.event.prompt);
-    if (!step.mayDecide) return false;
-    if (isTaskNotification(step.event.prompt)) {
-        withdraw(record, {}, step.now);
-    } else {
-        // A turn that never ended was interrupted, and took its helpers with it. Those in the
-        // background are listed again when the next turn ends.
-        if (isTurnOpen(record)) record.subagents.clear();
-        record.requests.clear();
-    }
+    const auto endedTask = discountNotified(record, step.event.prompt);
+    if (!endedTask.empty()) withdraw(record, endedTask, step.now);
+    if (step.isLate) return false;
+    if (isAfterInterrupt(step)) record.subagents.clear();
+    withdrawEnded(record, step.now);
     record.message = {};
     record.tool = {};
     record.activity = {};
@@ -83,19 +86,19 @@ bool submitPrompt(const Step& step) {
 }
 
 bool startTool(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     step.record.tool = step.event.toolName;
     step.record.activity = toolActivity(step.event);
     // A subagent's tool says nothing about the session, which may long have answered.
-    if (!isFromSubagent(step.event) && !isAsking(step.record.state)) goOn(step);
+    if (!isFromSubagent(step.event)) goOn(step);
     return true;
 }
 
 bool endTool(const Step& step) {
     countLaunches(step.record, step.event, step.now);
-    if (!step.mayDecide) return false;
     takeAnswers(step.record, step.event, step.now);
     if (step.event.isInterrupt) withdraw(step.record, step.event.agentId, step.now);
+    if (step.isLate) return false;
     if (isFromSubagent(step.event)) return true;
     if (step.event.isInterrupt) {
         step.record.turnStartedAt.reset();
@@ -113,18 +116,24 @@ std::string_view questionOf(const HookEvent& event) {
     return heading.substr(std::min(heading.find_first_not_of("# "), heading.size()));
 }
 
+/// Whether a question still stands: one of a subagent's whatever the session itself has done since,
+/// the session's own while it works.
+bool stillAsks(const Step& step) {
+    return !step.isLate || isFromSubagent(step.event) || step.record.state == SessionState::working;
+}
+
 bool requestPermission(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (!stillAsks(step)) return false;
     const bool isQuestion =
         step.event.toolName == "AskUserQuestion" || step.event.toolName == "ExitPlanMode";
-    if (!isFromSubagent(step.event)) goOn(step);
+    if (!step.isLate && !isFromSubagent(step.event)) goOn(step);
     ask(step.record, step.event, isQuestion ? SessionState::decision : SessionState::waiting,
         questionOf(step.event), step.now);
     return true;
 }
 
 bool elicit(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (!stillAsks(step)) return false;
     ask(step.record, step.event, SessionState::decision, step.event.message, step.now);
     return true;
 }
@@ -160,7 +169,7 @@ void noteIdleness(const Step& step) {
 }
 
 bool notify(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     const auto askUnlessPending = [&](SessionState state) {
         if (isPending(step.record)) return;
         ask(step.record, step.event, state, step.event.message, step.now);
@@ -173,7 +182,7 @@ bool notify(const Step& step) {
             askUnlessPending(SessionState::decision);
             break;
         case Notice::answered:
-            takeDialogAnswers(step.record, step.now);
+            takeDialogAnswer(step.record, step.now);
             break;
         case Notice::idle:
             noteIdleness(step);
@@ -187,7 +196,7 @@ bool notify(const Step& step) {
 bool startSubagent(const Step& step) {
     StatusRecord& record = step.record;
     countSubagent(record, step.event.agentId);
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     if (record.state == SessionState::idle || record.state == SessionState::unknown) {
         decide(step, SessionState::working);
     }
@@ -197,27 +206,26 @@ bool startSubagent(const Step& step) {
 bool stopSubagent(const Step& step) {
     StatusRecord& record = step.record;
     const bool wasCounted = discountSubagent(record, step.event.agentId);
-    if (!step.mayDecide) return false;
     if (isFromSubagent(step.event)) withdraw(record, step.event.agentId, step.now);
-    // Readers take a session that is "working" since its last subagent stopped for done. Where the
-    // session itself still works on its turn, or has failed, this event must not be the last.
-    if (!wasCounted || isPending(record) || isTurnOpen(record) ||
-        record.state == SessionState::compacting || record.state == SessionState::failed) {
-        return false;
-    }
+    if (step.isLate || !wasCounted || isPending(record)) return false;
+    // Readers take a session that is "working" since its last subagent stopped for done. Within
+    // the session's own turn this event must not be the last, nor where it did not end well.
+    const bool isWorking = record.state == SessionState::working && !isTurnOpen(record);
+    if (!isWorking && record.state != SessionState::done) return false;
     decide(step, SessionState::working);
+    if (record.subagents.isEmpty()) record.doneAt = step.now;
     return true;
 }
 
 bool startCompaction(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     if (step.event.trigger != "auto") step.record.turnStartedAt = step.now;
     decide(step, SessionState::compacting);
     return true;
 }
 
 bool endCompaction(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     const bool isWithinTurn = step.event.trigger == "auto";
     if (!isWithinTurn) step.record.turnStartedAt.reset();
     decide(step, isWithinTurn ? SessionState::working : SessionState::idle);
@@ -234,7 +242,7 @@ bool stop(const Step& step) {
     StatusRecord& record = step.record;
     recount(record, step.event, step.now);
     if (!step.event.hasSessionCrons) record.wakeupAt.reset();
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     if (record.state != SessionState::done || !record.doneAt) record.doneAt = step.now;
     record.error = {};
     conclude(step, SessionState::done);
@@ -242,14 +250,14 @@ bool stop(const Step& step) {
 }
 
 bool fail(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     step.record.error = step.event.error;
     conclude(step, SessionState::failed);
     return true;
 }
 
 bool endSession(const Step& step) {
-    if (!step.mayDecide) return false;
+    if (step.isLate) return false;
     StatusRecord& record = step.record;
     if (isAsking(record.state)) record.message = {};
     record.requests.clear();
@@ -260,38 +268,40 @@ bool endSession(const Step& step) {
     return true;
 }
 
+enum class Speaker {
+    anyone,
+    session,     ///< a subagent's event of that name says nothing
+    newSession,  ///< and it may speak even after the session has ended
+};
+
 struct Rule {
     std::string_view event;
     bool (*apply)(const Step&);
-    bool opensSession = false;  ///< may speak even after the session has ended
+    Speaker speaker = Speaker::anyone;
 };
 
 constexpr Rule rules[] = {
-    {"SessionStart", startSession, true},
-    {"UserPromptSubmit", submitPrompt, true},
+    {"SessionStart", startSession, Speaker::newSession},
+    {"UserPromptSubmit", submitPrompt, Speaker::newSession},
     {"PreToolUse", startTool},
     {"PostToolUse", endTool},
     {"PostToolUseFailure", endTool},
     {"Notification", notify},
     {"PermissionRequest", requestPermission},
     {"Elicitation", elicit},
-    {"StopFailure", fail},
-    {"Stop", stop},
+    {"StopFailure", fail, Speaker::session},
+    {"Stop", stop, Speaker::session},
     {"SubagentStart", startSubagent},
     {"SubagentStop", stopSubagent},
-    {"PreCompact", startCompaction},
-    {"PostCompact", endCompaction},
-    {"SessionEnd", endSession},
+    {"PreCompact", startCompaction, Speaker::session},
+    {"PostCompact", endCompaction, Speaker::session},
+    {"SessionEnd", endSession, Speaker::session},
 };
 
 const Rule* ruleFor(std::string_view event) {
     const auto found = std::find_if(std::begin(rules), std::end(rules),
                                     [&](const Rule& rule) { return rule.event == event; });
     return found == std::end(rules) ? nullptr : found;
-}
-
-bool isLate(const StatusRecord& record, double now) {
-    return record.stateTs && now < *record.stateTs && *record.stateTs - now < longestDelay;
 }
 
 /// Makes the state that readers derive from the last event the recorded one, as the next event
@@ -304,13 +314,14 @@ void settle(StatusRecord& record) {
     if (!record.doneAt) record.doneAt = record.eventTs;
 }
 
-std::string_view agentOf(const HookEvent& event) {
+std::string_view agentOf(const HookEvent& event, std::string_view recorded) {
+    if (event.transcriptPath.empty() && !recorded.empty()) return recorded;
     return event.transcriptPath.find("/.codex/") != std::string_view::npos ? "codex" : "claude";
 }
 
 void takeSurroundings(StatusRecord& record, const HookEvent& event) {
     record.sessionId = event.sessionId;
-    record.agent = agentOf(event);
+    record.agent = agentOf(event, record.agent);
     // A subagent may work in a folder and a mode of its own.
     if (isFromSubagent(event)) return;
     if (!event.cwd.empty()) record.cwd = event.cwd;
@@ -323,14 +334,15 @@ std::optional<StatusRecord> recordAfter(const std::optional<StatusRecord>& old,
                                         const HookEvent& event, double now) {
     const Rule* rule = ruleFor(event.name);
     if (rule == nullptr) return {};
+    if (isFromSubagent(event) && rule->speaker != Speaker::anyone) return {};
     StatusRecord record = old.value_or(StatusRecord());
+    if (record.state == SessionState::dormant && rule->speaker != Speaker::newSession) return {};
     settle(record);
-    const bool late = isLate(record, now);
-    const bool hasEnded = record.state == SessionState::dormant && !rule->opensSession;
-    if (!late) takeSurroundings(record, event);
-    if (rule->apply({record, event, now, !late && !hasEnded})) record.event = event.name;
-    record.eventTs = late ? record.eventTs : now;
-    if (shownState(record) == SessionState::unknown) return {};
+    const bool isLate = hasOvertaken(record.decidedAt, now);
+    if (!isLate) takeSurroundings(record, event);
+    if (rule->apply({record, event, now, isLate})) record.event = event.name;
+    if (!hasOvertaken(record.eventTs, now)) record.eventTs = now;
+    if (!old && shownState(record) == SessionState::unknown) return {};
     return record;
 }
 

@@ -138,8 +138,14 @@ std::span<char> StatusFile::read(std::span<char> space) {
 }
 
 bool StatusFile::writeTemporary(std::string_view text) const {
-    const FileDescriptor file =
-        create(folder.get(), "locks", temporaryName.data(), O_WRONLY | O_TRUNC);
+    const auto createNew = [&] {
+        return create(folder.get(), "locks", temporaryName.data(), O_WRONLY | O_EXCL);
+    };
+    FileDescriptor file = createNew();
+    if (!file && errno == EEXIST) {
+        ::unlinkat(folder.get(), temporaryName.data(), 0);  // left by one that was killed
+        file = createNew();
+    }
     while (file && !text.empty()) {
         const ssize_t written = ::write(file.get(), text.data(), text.size());
         if (written < 0) return false;

@@ -30,7 +30,7 @@ public:
     /// process is killed, finds the old text or the new. Whether that worked.
     bool replace(std::string_view text);
 
-    /// Leaves no trace but the status file itself: for a session that has ended.
+    /// Leaves no lock file behind, once all is written: for a session that has ended.
     void removeLock();
 
 private:

@@ -47,7 +47,8 @@ struct StatusRecord {
 
     /// The state of the session itself. What is shown is the latest request's, where there is one.
     SessionState state = SessionState::unknown;
-    std::optional<double> stateTs;  ///< time of the event that last spoke for the state
+    std::optional<double> decidedAt;  ///< when the event happened that decided that state
+    std::optional<double> stateTs;    ///< the same, or when the last request was answered
     double eventTs = 0;
     std::optional<double> turnStartedAt;
     std::optional<double> doneAt;
@@ -62,6 +63,18 @@ struct StatusRecord {
 /// The state that the file shows.
 inline SessionState shownState(const StatusRecord& record) {
     return record.requests.isEmpty() ? record.state : record.requests.all().back().state;
+}
+
+/// When the event happened that the shown state rests on.
+inline std::optional<double> shownStateTs(const StatusRecord& record) {
+    return record.requests.isEmpty() ? record.stateTs : record.requests.all().back().at;
+}
+
+/// Whether something recorded at the time `recorded` overtook an event of the time `now`. Where it
+/// is longer ahead than any hook waits, the clock was set back.
+inline bool hasOvertaken(std::optional<double> recorded, double now) {
+    constexpr double longestDelay = 11;
+    return recorded && now < *recorded && *recorded - now < longestDelay;
 }
 
 }  // namespace fleetwise::hook

@@ -26,6 +26,7 @@ constexpr FieldKey<std::string_view> textKeys[] = {
 };
 
 constexpr FieldKey<std::optional<double>> timeKeys[] = {
+    {"decided_ts", &StatusRecord::decidedAt},
     {"state_ts", &StatusRecord::stateTs},
     {"turn_started_at", &StatusRecord::turnStartedAt},
     {"done_at", &StatusRecord::doneAt},
@@ -59,6 +60,7 @@ public:
         assign(textKeys, path, value, record);
         if (path.is("state")) shownState = stateFrom(value);
         if (path.is("state_before")) stateBefore = stateFrom(value);
+        if (path.is("message_before")) messageBefore = value;
         if (path.is("subagent_ids", "")) record.subagents.add(value);
         if (path.size() != 3) return;
         if (path[0] == "background" && path[2] == "cmd" && !record.background.isEmpty()) {
@@ -89,10 +91,12 @@ public:
 
     void truth(const JsonPath&, bool) {}
 
-    /// Tells the session's own state and message from those of its requests.
+    /// Tells what is the session's own from what its requests show.
     void finish() {
         record.state = record.requests.isEmpty() ? shownState : stateBefore;
-        if (!record.requests.isEmpty()) record.message = {};
+        if (record.requests.isEmpty()) return;
+        record.message = messageBefore;
+        record.stateTs = record.decidedAt;
     }
 
 private:
@@ -107,6 +111,7 @@ private:
     StatusRecord& record;
     SessionState shownState = SessionState::unknown;
     SessionState stateBefore = SessionState::working;
+    std::string_view messageBefore;
 };
 
 }  // namespace

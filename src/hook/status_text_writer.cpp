@@ -94,7 +94,8 @@ public:
         background(record);
         monitors(record);
         time("wakeup_at", record.wakeupAt);
-        time("state_ts", record.stateTs);
+        time("state_ts", shownStateTs(record));
+        time("decided_ts", record.decidedAt);
         subagentIds(record);
         requests(record);
         text("error", record.error);
@@ -186,6 +187,7 @@ private:
     void requests(const StatusRecord& record) {
         if (record.requests.isEmpty()) return;
         name("state_before", record.state);
+        text("message_before", record.message);
         key("requests");
         writer.StartArray();
         for (const Request& request : record.requests.all()) {

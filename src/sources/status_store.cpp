@@ -243,9 +243,12 @@ void StatusStore::prune(const std::set<std::string>& keeping, Seconds olderThan,
     const Date cutoff = now - olderThan;
     for (const DirectoryEntry& entry : listDirectory(directory, extension)) {
         if (entry.kind != FileKind::regular || modificationDate(entry.stamp) >= cutoff) continue;
-        if (keeping.contains(entry.name.substr(0, entry.name.size() - extension.size()))) continue;
+        const std::string id = entry.name.substr(0, entry.name.size() - extension.size());
+        if (keeping.contains(id)) continue;
         // A file that cannot be deleted now is tried again the next time.
         ::unlink(joinPath(directory, entry.name).c_str());
+        for (const char* leftover : {".lock", ".new"})
+            ::unlink(joinPath(directory, "../locks/" + id + leftover).c_str());
     }
 }
 

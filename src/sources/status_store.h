@@ -88,7 +88,8 @@ public:
     static std::vector<Watch> watches(const Record* record);
 
     /// Deletes the status files that were last written more than `olderThan` before `now`, but for
-    /// those of the sessions in `keeping`. Folders and links are never deleted.
+    /// those of the sessions in `keeping`, and what the hook left of them in the folder "locks"
+    /// beside `directory`. Folders and links are never deleted.
     static void prune(const std::set<std::string>& keeping, Seconds olderThan,
                       const std::string& directory, Date now);
 };

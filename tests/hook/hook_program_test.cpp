@@ -196,6 +196,9 @@ TEST(HookProgram, harmsNoFileBehindALink) {
     hook.run("Stop", payload(R"("prompt":"x")"));
     EXPECT_EQ(contentsOf(precious), "mine");
     EXPECT_TRUE(hook.record("s1"));
+    hook.home.makeFifo(".claude/fleetwise/locks/s1.new");
+    hook.run("UserPromptSubmit", payload(R"("prompt":"x")"));
+    EXPECT_EQ(hook.record("s1")->state, "working");
 
     const HookProgram blocked;
     blocked.home.write(".claude/fleetwise/status/s1.json/inside", "mine");

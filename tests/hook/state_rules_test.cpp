@@ -89,6 +89,7 @@ TEST(StateRules, letNoLateEventChangeTheState) {
          "dormant 0"},
         {"tool after the end", {{1, "SessionEnd"}, {2, "PreToolUse", bash}}, "dormant 0"},
         {"clock set back", {{0, "Stop"}, {-3600, "UserPromptSubmit"}}, "working 0"},
+        {"clock set back a little", {{0, "Stop"}, {-12, "UserPromptSubmit"}}, "working 0"},
         {"end of compaction before its start of session",
          {{0, "UserPromptSubmit"},
           {1, "PreCompact", R"({"trigger":"auto"})"},
@@ -129,6 +130,24 @@ TEST(StateRules, bearRepeatedAndMissingEvents) {
           {2, "StopFailure", R"({"error":"rate_limit","last_assistant_message":"Limit"})"},
           {3, "SubagentStop", agentA}},
          "failed 0 | says: Limit"},
+        {"failure of a subagent",
+         {{0, "UserPromptSubmit"}, {1, "Stop", runningA}, {2, "StopFailure", agentA}},
+         "done 1"},
+        {"compaction of a subagent",
+         {{0, "UserPromptSubmit"}, {1, "StopFailure"}, {2, "PostCompact", agentA}},
+         "failed 0"},
+        {"prompt told twice keeps what runs",
+         {{0, "Stop", runningA}, {5, "UserPromptSubmit"}, {5.01, "UserPromptSubmit"}},
+         "working 1"},
+        {"subagent of an interrupted turn ends",
+         {{0, "UserPromptSubmit"},
+          {1, "SubagentStart", agentA},
+          {2, "PostToolUseFailure", R"({"is_interrupt":true})"},
+          {3, "SubagentStop", agentA}},
+         "idle 0"},
+        {"subagent after the end",
+         {{0, "UserPromptSubmit"}, {1, "SessionEnd"}, {2, "SubagentStart", agentA}},
+         "dormant 0"},
         {"state through the last subagent stays when others report",
          {{0, "UserPromptSubmit"},
           {1, "Stop", runningA},
@@ -177,7 +196,45 @@ TEST(StateRules, keepEachQuestionUntilItIsAnswered) {
         {"no time given", {prompt, ask, {20, "PostToolUse", read}}, "working 0"},
         {"a subagent's tool ends", {prompt, ask, {20, "PostToolUse", bashOfA}}, asked},
         {"the next prompt", {prompt, ask, {20, "UserPromptSubmit"}}, "working 0"},
-        {"told twice", {prompt, ask, ask, {20, "PostToolUse", shortBash}}, "working 0"},
+        {"everything told twice",
+         {prompt, prompt, ask, ask, {20, "PostToolUse", shortBash}, {20, "PostToolUse", shortBash}},
+         "working 0"},
+        {"two tools ask, one is answered",
+         {prompt, ask, {10, "PermissionRequest", read}, {20, "PostToolUse", shortRead}},
+         asked},
+        {"the same asked twice, one is answered",
+         {prompt, ask, {10, "PermissionRequest", bash}, {20, "PostToolUse", shortBash}},
+         asked},
+        {"answered before a subagent's question gets its turn",
+         {prompt,
+          {1, "SubagentStart", agentA},
+          {1, "SubagentStart", agentB},
+          {2, "PermissionRequest", bashOfA},
+          {5.005, "PermissionRequest", bashOfB},
+          {5, "PostToolUse", bashOfA},
+          {6, "PostToolUse", bashOfB}},
+         "working 2"},
+        {"asked before a tool beside it begins",
+         {prompt, {10.1, "PreToolUse", read}, ask},
+         "waiting 0 | says: Bash: make | tool: Read | does: b.c"},
+        {"the first event of the session",
+         {{2, "PermissionRequest", bashOfA}, {3, "PostToolUse", bashOfA}},
+         "working 0"},
+        {"of a subagent that was killed",
+         {prompt,
+          {1, "SubagentStart", agentA},
+          {2, "PermissionRequest", bashOfA},
+          {3, "Stop", runningA},
+          {4, "UserPromptSubmit",
+           R"({"prompt":"<task-notification><task-id>A</task-id><status>killed</status>"})"}},
+         "working 0"},
+        {"hides no failure's text for good",
+         {prompt,
+          {1, "SubagentStart", agentA},
+          {2, "StopFailure", R"({"error":"rate_limit","last_assistant_message":"Limit"})"},
+          {3, "PermissionRequest", bashOfA},
+          {4, "PostToolUse", bashOfA}},
+         "failed 1 | says: Limit"},
         {"subagent asks while the session goes on",
          {prompt,
           {1, "SubagentStart", agentA},
@@ -220,6 +277,9 @@ TEST(StateRules, keepEachQuestionUntilItIsAnswered) {
           {1, "Elicitation", R"({"message":"Which account?"})"},
           {2, "Notification", R"({"notification_type":"elicitation_dialog","message":"form"})"}},
          "decision 0 | says: Which account?"},
+        {"form, and a tool beside its server's",
+         {prompt, {1, "Elicitation", R"({"message":"Which?"})"}, {3, "PostToolUse", longRead}},
+         "decision 0 | says: Which?"},
         {"form filled in",
          {prompt,
           {1, "Elicitation", R"({"message":"Which account?"})"},
@@ -271,6 +331,23 @@ TEST(StateRules, keepTimesAndSurroundings) {
     EXPECT_EQ(record->turnStartedAt, dateFromSeconds(start + 1));
     EXPECT_EQ(record->doneAt, dateFromSeconds(start + 3));
     EXPECT_EQ(record->eventTs, dateFromSeconds(start + 4));
+}
+
+TEST(StateRules, dateWhatIsShown) {
+    HookReplay replay;
+    const auto shownSince = [&](const Event& event) {
+        Json payload = Json::parse(event.payload);
+        payload["session_id"] = session;
+        replay.apply(event.name, payload.dump(), start + event.at);
+        return secondsSince1970(*replay.record(session)->stateTs) - start;
+    };
+    EXPECT_EQ(shownSince({1, "UserPromptSubmit"}), 1);
+    EXPECT_EQ(shownSince({2, "PreToolUse", bashOfA}), 1) << "a subagent's tool decides nothing";
+    EXPECT_EQ(shownSince({3, "PermissionRequest", bashOfA}), 3);
+    EXPECT_EQ(shownSince({4, "PreToolUse", bash}), 3) << "the question is as old as it was";
+    EXPECT_EQ(shownSince({5, "PermissionRequest", bashOfB}), 5);
+    EXPECT_EQ(shownSince({6, "PostToolUse", bashOfB}), 3) << "the first one is shown again";
+    EXPECT_EQ(shownSince({7, "PostToolUse", bashOfA}), 7);
 }
 
 }  // namespace

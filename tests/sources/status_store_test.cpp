@@ -213,27 +213,33 @@ TEST(StatusCache, servesSeveralThreads) {
 }
 
 TEST(StatusPrune, deletesOldFilesOfUnknownSessions) {
-    const TemporaryDirectory folder;
+    const TemporaryDirectory state;
     const TemporaryDirectory outside;
+    const std::string folder = state.makeDirectory("status");
     const Date old = now - Seconds(31 * 86400);
-    folder.write("old.json", "");
-    folder.write("kept.json", "");
-    folder.write("old.txt", "");
-    folder.makeDirectory("folder.json");
-    folder.makeLink("link.json", outside.write("target", ""));
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    for (const char* file : {"status/old.json", "status/kept.json", "status/old.txt",
+                             "locks/old.lock", "locks/old.new", "locks/kept.lock"}) {
+        state.write(file, "");
+    }
+    state.makeDirectory("status/folder.json");
+    state.makeLink("status/link.json", outside.write("target", ""));
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         setModificationDate(entry.path().string(), old);
     }
-    setModificationDate(folder.write("fresh.json", ""), now - Seconds(29 * 86400));
+    setModificationDate(state.write("status/fresh.json", ""), now - Seconds(29 * 86400));
 
-    StatusStore::prune({"kept"}, Seconds(30 * 86400), folder.path(), now);
+    StatusStore::prune({"kept"}, Seconds(30 * 86400), folder, now);
 
-    std::vector<std::string> left;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-        left.push_back(entry.path().filename());
-    }
-    EXPECT_THAT(left, UnorderedElementsAre("kept.json", "old.txt", "folder.json", "link.json",
-                                           "fresh.json"));
+    const auto left = [](const std::string& directory) {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+            names.push_back(entry.path().filename());
+        }
+        return names;
+    };
+    EXPECT_THAT(left(folder), UnorderedElementsAre("kept.json", "old.txt", "folder.json",
+                                                   "link.json", "fresh.json"));
+    EXPECT_THAT(left(state.at("locks")), UnorderedElementsAre("kept.lock"));
 }
 
 }  // namespace

@@ -61,6 +61,6 @@ function(fleetwise_tests name)
     target_link_libraries(${name}_tests PRIVATE fleetwise_flags fleetwise_test_support ${ARGN})
     # Tests are compiled far more often than they are run.
     target_compile_options(${name}_tests PRIVATE -O0)
-    gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. PROPERTIES TIMEOUT 120
+    gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. PROPERTIES TIMEOUT 300
                          DISCOVERY_TIMEOUT 60)
 endfunction()

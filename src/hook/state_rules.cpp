@@ -320,7 +320,6 @@ std::string_view agentOf(const HookEvent& event, std::string_view recorded) {
 }
 
 void takeSurroundings(StatusRecord& record, const HookEvent& event) {
-    record.sessionId = event.sessionId;
     record.agent = agentOf(event, record.agent);
     // A subagent may work in a folder and a mode of its own.
     if (isFromSubagent(event)) return;
@@ -337,6 +336,7 @@ std::optional<StatusRecord> recordAfter(const std::optional<StatusRecord>& old,
     if (isFromSubagent(event) && rule->speaker != Speaker::anyone) return {};
     StatusRecord record = old.value_or(StatusRecord());
     if (record.state == SessionState::dormant && rule->speaker != Speaker::newSession) return {};
+    record.sessionId = event.sessionId;
     settle(record);
     const bool isLate = hasOvertaken(record.decidedAt, now);
     if (!isLate) takeSurroundings(record, event);

@@ -3,6 +3,7 @@
 #include "cost/prompt_text.h"
 #include "cost/task_notification.h"
 #include "foundation/saturating.h"
+#include "session/task_notice.h"
 
 namespace fleetwise {
 
@@ -85,7 +86,7 @@ void TranscriptReadingBuilder::addSentText(std::string_view text, const Transcri
     if (auto notification = TaskNotification::parse(text)) {
         notification->ending.at = parseInternetDate(record.timestamp.value_or(""));
         reading.taskEndings[notification->taskId] = notification->ending;
-    } else if (!TaskNotification::begins(text)) {
+    } else if (!isTaskNotice(text)) {
         if (auto id = PromptText::federationId(text)) reading.federationId = std::move(id);
     }
 }

@@ -11,9 +11,17 @@ namespace fleetwise::hook {
 template <typename Element, std::size_t limit>
 class BoundedList {
 public:
-    /// Adds the element; one more than there is room for is left out.
-    void add(const Element& element) {
-        if (count < limit) elements[count++] = element;
+    /// Adds the element and returns it as it stands in the list, until that changes; null where
+    /// there is no room left.
+    Element* add(const Element& element) {
+        if (count == limit) return nullptr;
+        elements[count] = element;
+        return &elements[count++];
+    }
+
+    bool contains(const Element& element) const {
+        const auto known = all();
+        return std::find(known.begin(), known.end(), element) != known.end();
     }
 
     void clear() { count = 0; }
@@ -28,7 +36,6 @@ public:
     }
 
     std::span<const Element> all() const { return {elements.data(), count}; }
-    std::span<Element> all() { return {elements.data(), count}; }
     bool isEmpty() const { return count == 0; }
 
 private:

@@ -1,6 +1,7 @@
 #include "hook/hook_event_reader.h"
 
 #include "foundation/json_surrogates.h"
+#include "hook/json_fields.h"
 #include "hook/json_walk.h"
 #include "hook/long_texts.h"
 #include "hook/parser_padding.h"
@@ -12,12 +13,9 @@ namespace fleetwise::hook {
 namespace {
 
 template <typename Owner>
-struct TextKey {
-    std::string_view key;
-    std::string_view Owner::*field;
-};
+using TextField = JsonField<Owner, std::string_view>;
 
-constexpr TextKey<HookEvent> eventKeys[] = {
+constexpr TextField<HookEvent> eventFields[] = {
     {"session_id", &HookEvent::sessionId},
     {"transcript_path", &HookEvent::transcriptPath},
     {"cwd", &HookEvent::cwd},
@@ -33,7 +31,7 @@ constexpr TextKey<HookEvent> eventKeys[] = {
     {"error", &HookEvent::error},
 };
 
-constexpr TextKey<ToolInput> inputKeys[] = {
+constexpr TextField<ToolInput> inputFields[] = {
     {"description", &ToolInput::description},
     {"command", &ToolInput::command},
     {"file_path", &ToolInput::filePath},
@@ -44,24 +42,16 @@ constexpr TextKey<ToolInput> inputKeys[] = {
     {"plan", &ToolInput::plan},
 };
 
-constexpr TextKey<ToolResponse> responseKeys[] = {
+constexpr TextField<ToolResponse> responseFields[] = {
     {"backgroundTaskId", &ToolResponse::backgroundTaskId},
     {"taskId", &ToolResponse::taskId},
 };
 
-constexpr TextKey<BackgroundTask> taskKeys[] = {
+constexpr TextField<BackgroundTask> taskFields[] = {
     {"id", &BackgroundTask::id},           {"type", &BackgroundTask::type},
     {"status", &BackgroundTask::status},   {"description", &BackgroundTask::description},
     {"command", &BackgroundTask::command},
 };
-
-template <typename Owner, std::size_t count>
-void assign(const TextKey<Owner> (&keys)[count], std::string_view key, std::string_view text,
-            Owner& owner) {
-    const auto known = std::find_if(std::begin(keys), std::end(keys),
-                                    [&](const auto& entry) { return entry.key == key; });
-    if (known != std::end(keys)) owner.*known->field = text;
-}
 
 class EventSink {
 public:
@@ -69,20 +59,20 @@ public:
 
     void begin(const JsonPath& path) {
         if (path.is("background_tasks")) event.listsBackgroundTasks = true;
-        if (path.is("background_tasks", "")) event.backgroundTasks.add({});
+        if (path.is("background_tasks", "")) task = event.backgroundTasks.add({});
         if (path.is("session_crons", "")) event.hasSessionCrons = true;
     }
 
     void text(const JsonPath& path, std::string_view value) {
-        if (path.size() == 1) assign(eventKeys, path[0], value, event);
+        if (path.size() == 1) assignField(eventFields, path[0], value, event);
         if (path.size() == 2 && path[0] == "tool_input") {
-            assign(inputKeys, path[1], value, event.toolInput);
+            assignField(inputFields, path[1], value, event.toolInput);
         }
         if (path.size() == 2 && path[0] == "tool_response") {
-            assign(responseKeys, path[1], value, event.toolResponse);
+            assignField(responseFields, path[1], value, event.toolResponse);
         }
-        if (path.size() == 3 && path[0] == "background_tasks" && !event.backgroundTasks.isEmpty()) {
-            assign(taskKeys, path[2], value, event.backgroundTasks.all().back());
+        if (path.size() == 3 && path[0] == "background_tasks" && task != nullptr) {
+            assignField(taskFields, path[2], value, *task);
         }
         if (path.is("tool_input", "questions", "", "question") &&
             event.toolInput.question.empty()) {
@@ -106,6 +96,7 @@ public:
 
 private:
     HookEvent& event;
+    BackgroundTask* task = nullptr;  ///< the one being read
 };
 
 void mendLoneSurrogates(std::span<char> payload) {

@@ -100,8 +100,8 @@ private:
 };
 
 /// Reads the document at `text`, which parserPadding zero bytes follow, and unescapes its texts in
-/// place; what follows the document is ignored. Whether it is valid JSON and not
-/// nested deeper than maximumDepth.
+/// place; what follows the document is ignored. Whether it is valid JSON and not nested deeper than
+/// maximumDepth.
 template <typename Sink>
 bool walkJsonInPlace(char* text, Sink& sink) {
     constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseFullPrecisionFlag |

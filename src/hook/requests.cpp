@@ -90,8 +90,7 @@ void withdraw(StatusRecord& record, std::string_view agent, double now) {
 
 void withdrawEnded(StatusRecord& record, double now) {
     removeRequests(record, now, [&](const Request& request) {
-        const auto ids = record.subagents.all();
-        return std::find(ids.begin(), ids.end(), request.agent) == ids.end();
+        return !record.subagents.contains(request.agent);
     });
 }
 

@@ -19,8 +19,9 @@ std::string_view orElse(std::string_view text, std::string_view otherwise) {
     return text.empty() ? otherwise : text;
 }
 
+/// The entry with this id; null where there is none.
 template <typename List>
-auto* entryOf(List& list, std::string_view id) {
+const auto* entryOf(const List& list, std::string_view id) {
     const auto entries = list.all();
     const auto found = std::find_if(entries.begin(), entries.end(),
                                     [&](const auto& entry) { return entry.id == id; });
@@ -58,20 +59,10 @@ void planWakeup(StatusRecord& record, const HookEvent& event, double now) {
     }
 }
 
-/// The text of the first element that `opening` opens; empty where there is none.
-std::string_view element(std::string_view text, std::string_view opening) {
-    const auto begin = text.find(opening);
-    if (begin == std::string_view::npos) return {};
-    text.remove_prefix(begin + opening.size());
-    return text.substr(0, text.find('<'));
-}
-
 }  // namespace
 
 void countSubagent(StatusRecord& record, std::string_view id) {
-    const auto ids = record.subagents.all();
-    if (!isUsableId(id) || std::find(ids.begin(), ids.end(), id) != ids.end()) return;
-    record.subagents.add(id);
+    if (isUsableId(id) && !record.subagents.contains(id)) record.subagents.add(id);
 }
 
 bool discountSubagent(StatusRecord& record, std::string_view id) {
@@ -110,21 +101,10 @@ void recount(StatusRecord& record, const HookEvent& event, double now) {
     }
 }
 
-bool isTaskNotification(std::string_view prompt) {
-    const auto begin = prompt.find_first_not_of(" \t\r\n");
-    return begin != std::string_view::npos &&
-           prompt.substr(begin).starts_with("<task-notification>");
-}
-
-std::string_view discountNotified(StatusRecord& record, std::string_view prompt) {
-    if (!isTaskNotification(prompt)) return {};
-    const auto status = element(prompt, "<status>");
-    if (status.empty() || status == "running") return {};  // a watch that goes on
-    const auto id = element(prompt, "<task-id>");
+void discountTask(StatusRecord& record, std::string_view id) {
     discountSubagent(record, id);
     removeEntry(record.background, id);
     removeEntry(record.monitors, id);
-    return id;
 }
 
 }  // namespace fleetwise::hook

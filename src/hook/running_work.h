@@ -22,11 +22,7 @@ void countLaunches(StatusRecord& record, const HookEvent& event, double now);
 /// was known before keeps its start.
 void recount(StatusRecord& record, const HookEvent& event, double now);
 
-/// Whether the prompt is the agent's own notice about a task in the background.
-bool isTaskNotification(std::string_view prompt);
-
-/// Takes the task off the counts whose end such a prompt reports; its id, empty where it reports
-/// none.
-std::string_view discountNotified(StatusRecord& record, std::string_view prompt);
+/// Takes a task that has ended off the counts, whatever it was.
+void discountTask(StatusRecord& record, std::string_view id);
 
 }  // namespace fleetwise::hook

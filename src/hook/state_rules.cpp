@@ -7,6 +7,7 @@
 #include "hook/requests.h"
 #include "hook/running_work.h"
 #include "hook/tool_activity.h"
+#include "session/task_notice.h"
 
 #include <algorithm>
 
@@ -64,14 +65,16 @@ bool startSession(const Step& step) {
 /// Whether the prompt comes while the agent has not answered the last one: its turn was interrupted
 /// and took its helpers with it. Those in the background are listed again when a turn ends.
 bool isAfterInterrupt(const Step& step) {
-    return isTurnOpen(step.record) && !isTaskNotification(step.event.prompt) &&
+    return isTurnOpen(step.record) && !isTaskNotice(step.event.prompt) &&
            step.now - *step.record.turnStartedAt > repetition;
 }
 
 bool submitPrompt(const Step& step) {
     StatusRecord& record = step.record;
-    const auto endedTask = discountNotified(record, step.event.prompt);
-    if (!endedTask.empty()) withdraw(record, endedTask, step.now);
+    if (const auto notice = TaskEndNotice::parse(step.event.prompt)) {
+        discountTask(record, notice->taskId);
+        withdraw(record, notice->taskId, step.now);
+    }
     if (step.isLate) return false;
     if (isAfterInterrupt(step)) record.subagents.clear();
     withdrawEnded(record, step.now);
@@ -307,9 +310,8 @@ const Rule* ruleFor(std::string_view event) {
 /// Makes the state that readers derive from the last event the recorded one, as the next event
 /// takes that event's place.
 void settle(StatusRecord& record) {
-    const bool isThrough = record.state == SessionState::working &&
-                           record.event == "SubagentStop" && record.subagents.isEmpty();
-    if (!isThrough) return;
+    const auto subagents = static_cast<std::int64_t>(record.subagents.all().size());
+    if (!isThroughWithSubagents(record.state, record.event, subagents)) return;
     record.state = SessionState::done;
     if (!record.doneAt) record.doneAt = record.eventTs;
 }

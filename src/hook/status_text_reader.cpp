@@ -1,19 +1,16 @@
+#include "hook/json_fields.h"
 #include "hook/json_walk.h"
 #include "hook/status_text.h"
-
-#include <algorithm>
 
 namespace fleetwise::hook {
 
 namespace {
 
-template <typename Field>
-struct FieldKey {
-    std::string_view key;
-    Field StatusRecord::*field;
-};
+template <typename Owner>
+using TextField = JsonField<Owner, std::string_view>;
+using TimeField = JsonField<StatusRecord, std::optional<double>>;
 
-constexpr FieldKey<std::string_view> textKeys[] = {
+constexpr TextField<StatusRecord> textFields[] = {
     {"session_id", &StatusRecord::sessionId},
     {"event", &StatusRecord::event},
     {"agent", &StatusRecord::agent},
@@ -25,7 +22,7 @@ constexpr FieldKey<std::string_view> textKeys[] = {
     {"error", &StatusRecord::error},
 };
 
-constexpr FieldKey<std::optional<double>> timeKeys[] = {
+constexpr TimeField timeFields[] = {
     {"decided_ts", &StatusRecord::decidedAt},
     {"state_ts", &StatusRecord::stateTs},
     {"turn_started_at", &StatusRecord::turnStartedAt},
@@ -33,13 +30,12 @@ constexpr FieldKey<std::optional<double>> timeKeys[] = {
     {"wakeup_at", &StatusRecord::wakeupAt},
 };
 
-template <typename Field, std::size_t count>
-void assign(const FieldKey<Field> (&keys)[count], const JsonPath& path, const auto& value,
-            StatusRecord& record) {
-    const auto known = std::find_if(std::begin(keys), std::end(keys),
-                                    [&](const auto& entry) { return path.is(entry.key); });
-    if (known != std::end(keys)) record.*known->field = value;
-}
+constexpr TextField<Request> requestFields[] = {
+    {"agent", &Request::agent},
+    {"tool", &Request::tool},
+    {"activity", &Request::activity},
+    {"message", &Request::message},
+};
 
 SessionState stateFrom(std::string_view name) {
     return sessionStateFrom(name).value_or(SessionState::unknown);
@@ -51,42 +47,32 @@ public:
 
     void begin(const JsonPath& path) {
         if (path.size() != 2) return;
-        if (path[0] == "background") record.background.add({.id = path[1]});
-        if (path[0] == "monitors") record.monitors.add({.id = path[1]});
-        if (path[0] == "requests") record.requests.add({});
+        if (path[0] == "background") launch = record.background.add({.id = path[1]});
+        if (path[0] == "monitors") watch = record.monitors.add({.id = path[1]});
+        if (path[0] == "requests") request = record.requests.add({});
     }
 
     void text(const JsonPath& path, std::string_view value) {
-        assign(textKeys, path, value, record);
-        if (path.is("state")) shownState = stateFrom(value);
-        if (path.is("state_before")) stateBefore = stateFrom(value);
-        if (path.is("message_before")) messageBefore = value;
+        if (path.size() == 1) takeText(path[0], value);
         if (path.is("subagent_ids", "")) record.subagents.add(value);
         if (path.size() != 3) return;
-        if (path[0] == "background" && path[2] == "cmd" && !record.background.isEmpty()) {
-            record.background.all().back().command = value;
+        if (path[0] == "background" && launch != nullptr && path[2] == "cmd") {
+            launch->command = value;
         }
-        if (path[0] == "monitors" && !record.monitors.isEmpty()) {
-            record.monitors.all().back().label = value;
-        }
-        if (path[0] == "requests" && !record.requests.isEmpty()) {
-            takeRequestText(path[2], value, record.requests.all().back());
+        if (path[0] == "monitors" && watch != nullptr) watch->label = value;
+        if (path[0] == "requests" && request != nullptr) {
+            assignField(requestFields, path[2], value, *request);
+            if (path[2] == "state") request->state = stateFrom(value);
         }
     }
 
     void number(const JsonPath& path, double value) {
-        assign(timeKeys, path, value, record);
+        if (path.size() == 1) assignField(timeFields, path[0], value, record);
         if (path.is("event_ts")) record.eventTs = value;
         if (path.size() != 3) return;
-        if (path[0] == "background" && path[2] == "at" && !record.background.isEmpty()) {
-            record.background.all().back().at = value;
-        }
-        if (path[0] == "monitors" && !record.monitors.isEmpty()) {
-            record.monitors.all().back().since = value;
-        }
-        if (path[0] == "requests" && path[2] == "at" && !record.requests.isEmpty()) {
-            record.requests.all().back().at = value;
-        }
+        if (path[0] == "background" && launch != nullptr && path[2] == "at") launch->at = value;
+        if (path[0] == "monitors" && watch != nullptr) watch->since = value;
+        if (path[0] == "requests" && request != nullptr && path[2] == "at") request->at = value;
     }
 
     void truth(const JsonPath&, bool) {}
@@ -100,18 +86,22 @@ public:
     }
 
 private:
-    static void takeRequestText(std::string_view key, std::string_view value, Request& request) {
-        if (key == "agent") request.agent = value;
-        if (key == "tool") request.tool = value;
-        if (key == "activity") request.activity = value;
-        if (key == "message") request.message = value;
-        if (key == "state") request.state = stateFrom(value);
+    void takeText(std::string_view key, std::string_view value) {
+        assignField(textFields, key, value, record);
+        if (key == "state") shownState = stateFrom(value);
+        if (key == "state_before") stateBefore = stateFrom(value);
+        if (key == "message_before") messageBefore = value;
     }
 
     StatusRecord& record;
     SessionState shownState = SessionState::unknown;
     SessionState stateBefore = SessionState::working;
     std::string_view messageBefore;
+
+    // What is being read; null where there was no room for it.
+    Launch* launch = nullptr;
+    Watch* watch = nullptr;
+    Request* request = nullptr;
 };
 
 }  // namespace

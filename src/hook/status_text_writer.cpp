@@ -47,27 +47,18 @@ public:
             end += std::max<std::size_t>(1, length);
         }
         cut = text.substr(0, end);
-        if (!isWellFormed) mend();
+        if (isWellFormed) return;
+        mended = wellFormedUtf8(cut);
+        cut = mended;
     }
+    CutText(const CutText&) = delete;
+    CutText& operator=(const CutText&) = delete;
 
     std::string_view view() const { return cut; }
 
 private:
-    void mend() {
-        std::size_t length = 0;
-        for (std::size_t at = 0; at < cut.size();) {
-            const std::size_t taken = utf8SequenceLength(cut.substr(at));
-            const auto character = taken == 0 ? replacementCharacter : cut.substr(at, taken);
-            std::copy(character.begin(), character.end(),
-                      mended.begin() + static_cast<std::ptrdiff_t>(length));
-            length += character.size();
-            at += std::max<std::size_t>(1, taken);
-        }
-        cut = std::string_view(mended.data(), length);
-    }
-
     std::string_view cut;
-    std::array<char, characterLimit * longestCharacter> mended;
+    std::string mended;  // agents write UTF-8, so this is hardly ever filled
 };
 
 class StatusWriter {

@@ -1,12 +1,12 @@
 #include "hook/tool_activity.h"
 
+#include "foundation/text.h"
+
 #include <algorithm>
 
 namespace fleetwise::hook {
 
 namespace {
-
-constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
 std::string_view fileName(std::string_view path) {
     return path.substr(path.find_last_of('/') + 1);
@@ -50,11 +50,8 @@ constexpr struct {
 }  // namespace
 
 std::string_view firstLine(std::string_view text) {
-    const auto begin = text.find_first_not_of(whiteSpace);
-    if (begin == std::string_view::npos) return {};
-    text.remove_prefix(begin);
-    text = text.substr(0, text.find_first_of("\n\r"));
-    return text.substr(0, text.find_last_not_of(whiteSpace) + 1);
+    text = trimmed(text);
+    return trimmed(text.substr(0, text.find_first_of("\n\r")));
 }
 
 std::string_view toolActivity(const HookEvent& event) {

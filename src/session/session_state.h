@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,6 +36,13 @@ std::string_view rawValue(SessionState state);
 
 /// The state with exactly this raw value.
 std::optional<SessionState> sessionStateFrom(std::string_view rawValue);
+
+/// Whether a recorded state stands for `done`: a session that is "working" since its last subagent
+/// stopped, of which no other event tells. `event` is the one that the record rests on.
+constexpr bool isThroughWithSubagents(SessionState state, std::string_view event,
+                                      std::int64_t subagents) {
+    return state == SessionState::working && event == "SubagentStop" && subagents == 0;
+}
 
 /// In the interface language.
 std::string label(SessionState state);

@@ -224,8 +224,8 @@ SessionState StatusStore::repairedState(std::string_view state,
                                         const std::optional<std::string>& event,
                                         std::optional<std::int64_t> subagents) {
     const SessionState read = sessionStateFrom(state).value_or(SessionState::unknown);
-    const bool isLastStop = event == "SubagentStop" && subagents.value_or(0) == 0;
-    return read == SessionState::working && isLastStop ? SessionState::done : read;
+    const bool isThrough = event && isThroughWithSubagents(read, *event, subagents.value_or(0));
+    return isThrough ? SessionState::done : read;
 }
 
 std::vector<StatusStore::Watch> StatusStore::watches(const Record* record) {

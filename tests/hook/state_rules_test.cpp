@@ -297,7 +297,7 @@ TEST(StateRules, nameWhatATool) {
         {"Bash", R"({"command":"\n make -j\nmake test"})", "make -j"},
         {"Bash", R"({"command":"make","description":"Build it"})", "Build it"},
         {"NotebookEdit", R"({"notebook_path":"/a/n.ipynb"})", "n.ipynb"},
-        {"Grep", R"({"pattern":"TODO","path":"src"})", "TODO"},
+        {"Grep", R"({"pattern":"main","path":"src"})", "main"},
         {"WebFetch", R"({"url":"https://me@docs.example.org:8080/a?b"})", "docs.example.org:8080"},
         {"Agent", R"({"description":"Look around","prompt":"…"})", "Look around"},
         {"Read", R"({"file_path":7})", "Read"},

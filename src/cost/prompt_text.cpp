@@ -81,6 +81,10 @@ std::optional<std::string> PromptText::typedByUser(std::string_view text) {
     return words;
 }
 
+std::string PromptText::federationMark(std::string_view federationId) {
+    return std::string(markOpening) + std::string(federationId) + " " + std::string(markClosing);
+}
+
 std::optional<std::string> PromptText::federationId(std::string_view text) {
     std::optional<std::string> id;
     std::size_t from = 0;

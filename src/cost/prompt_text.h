@@ -21,6 +21,9 @@ public:
     /// The id in the last federation mark, "<!-- fleetwise:verbund=ID -->", trimmed and not empty.
     static std::optional<std::string> federationId(std::string_view text);
 
+    /// The mark that makes a session whose prompt carries it part of the federation.
+    static std::string federationMark(std::string_view federationId);
+
     /// The first line that is not empty, without federation marks and trimmed, cut to `limit`
     /// characters.
     static std::string shortened(std::string_view text, std::size_t limit);

@@ -62,6 +62,9 @@ struct Session {
     /// the first 8 characters of the id.
     std::string displayName() const;
 
+    /// The last folder of the working directory; empty where none is known.
+    std::string projectName() const;
+
     /// The working directory with the home folder as "~"; empty where none is known.
     std::string displayPath(const std::string& home) const;
 

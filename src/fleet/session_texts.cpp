@@ -66,8 +66,12 @@ std::string Session::displayName() const {
         const std::string shortTitle = TranscriptReader::Label::shortened(*title, titleLimit);
         if (!shortTitle.empty()) return printable(shortTitle);
     }
-    if (cwd && !cwd->empty()) return printable(lastFolder(*cwd));
+    if (cwd && !cwd->empty()) return projectName();
     return printable(id.substr(0, 8));
+}
+
+std::string Session::projectName() const {
+    return cwd ? printable(lastFolder(*cwd)) : std::string();
 }
 
 std::string Session::displayPath(const std::string& home) const {

@@ -11,6 +11,10 @@ std::string_view trimmed(std::string_view text);
 /// ASCII letters in lower case, all other bytes as they are.
 std::string asciiLowercased(std::string_view text);
 
+/// A UTF-8 text for comparing and searching without regard to case: every letter in lower case, by
+/// the Unicode tables of the system. Bytes that are not UTF-8 stay as they are.
+std::string caseFolded(std::string_view text);
+
 /// At most the first `limit` characters (Unicode code points) of a UTF-8 text. Where something
 /// was cut off, the last of them is "…".
 std::string shortenedText(std::string_view text, std::size_t limit);

@@ -24,6 +24,9 @@ public:
     /// hands back text; the typed readers below understand it.
     Json value(const std::string& key) const;
 
+    /// Whether the key was ever written; a registered default does not count.
+    bool isStored(const std::string& key) const { return stored(key).has_value(); }
+
     /// A value of another type reads as false, 0, "" or an empty list.
     bool boolean(const std::string& key) const;
     std::int64_t integer(const std::string& key) const;

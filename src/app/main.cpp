@@ -21,7 +21,7 @@ void print(std::FILE* stream, const std::string& text) {
 /// What the job tells the user, or what went wrong.
 tl::expected<std::string, std::string> run(const Command& command) {
     QtUserDefaults defaults;
-    const LanguageChoice language = chooseLanguage(Settings(defaults).language());
+    const LanguageChoice language = chooseLanguage(Settings(defaults).get(Settings::language));
     switch (command.job) {
         case Job::installHooks:
             return installHooks();

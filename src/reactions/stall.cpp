@@ -1,5 +1,6 @@
 #include "reactions/stall.h"
 
+#include "foundation/atomic_file.h"
 #include "foundation/json.h"
 #include "foundation/regular_file.h"
 
@@ -9,6 +10,9 @@ namespace {
 
 constexpr std::size_t maximumFileBytes = 1 << 20;
 
+/// Keeps the members in the order of the fields, for whoever opens the file.
+using OrderedJson = nlohmann::ordered_json;
+
 std::optional<Stall> decodeStall(const Json& entry) {
     const auto at = member<Date>(entry, "at");
     const auto seconds = member<double>(entry, "seconds");
@@ -17,6 +21,14 @@ std::optional<Stall> decodeStall(const Json& entry) {
     stall.sessions = member<std::int64_t>(entry, "sessions").value_or(0);
     if (const auto cpu = member<double>(entry, "cpu")) stall.cpu = Seconds(*cpu);
     return stall;
+}
+
+OrderedJson encodedStall(const Stall& stall) {
+    OrderedJson entry = {{"at", internetDate(stall.at)},
+                         {"seconds", stall.seconds.count()},
+                         {"sessions", stall.sessions}};
+    if (stall.cpu) entry["cpu"] = stall.cpu->count();
+    return entry;
 }
 
 }  // namespace
@@ -30,6 +42,13 @@ std::vector<Stall> loadStalls(const std::string& path) {
         if (const auto stall = decodeStall(entry)) stalls.push_back(*stall);
     }
     return stalls;
+}
+
+bool saveStalls(const std::string& path, const std::vector<Stall>& stalls) {
+    OrderedJson document = OrderedJson::array();
+    for (const Stall& stall : stalls)
+        document.push_back(encodedStall(stall));
+    return writeFileAtomically(path, document.dump()).has_value();
 }
 
 }  // namespace fleetwise

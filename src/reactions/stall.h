@@ -24,4 +24,7 @@ struct Stall {
 /// a damaged entry is left out.
 std::vector<Stall> loadStalls(const std::string& path);
 
+/// Replaces the file by these stalls, in the form that loadStalls reads. Whether it was written.
+bool saveStalls(const std::string& path, const std::vector<Stall>& stalls);
+
 }  // namespace fleetwise

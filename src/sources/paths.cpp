@@ -51,6 +51,9 @@ std::string Paths::hostsFile() {
 std::string Paths::stallsFile() {
     return inState("stalls.json");
 }
+std::string Paths::attentionLogFile() {
+    return inState("attention-log.json");
+}
 std::string Paths::settingsFile() {
     return inHome(".claude/settings.json");
 }

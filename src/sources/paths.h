@@ -24,6 +24,7 @@ public:
     static std::string installedHook();        ///< the installed hook program
     static std::string hostsFile();            ///< the host applications remembered
     static std::string stallsFile();           ///< the recorded stalls of the main thread
+    static std::string attentionLogFile();     ///< how long sessions waited for the user
     static std::string settingsFile();         ///< Claude Code's user settings
     static std::string sessionsDir();          ///< Claude Code's registry of running sessions
     static std::string projectsDir();          ///< Claude Code's transcripts

@@ -210,6 +210,25 @@ std::vector<SessionGroup> buildGroups(const std::vector<Session>& sessions, cons
     return groups;
 }
 
+std::vector<SessionGroup> buildGlance(const std::vector<Session>& sessions) {
+    std::vector<SessionGroup> groups{
+        {.key = "@attention", .title = localised("Braucht dich"_text)},
+        {.key = "@working", .title = localised("Arbeitet"_text)},
+        {.key = "@ready", .title = localised("Bereit"_text)},
+        {.key = "@dormant", .title = localised("Ruhend"_text), .beginsFolded = true},
+    };
+    for (std::size_t index = 0; index < sessions.size(); ++index) {
+        const SessionState state = sessions[index].state;
+        const std::size_t place = demandsAttention(state)          ? 0
+                                  : isBusy(state)                  ? 1
+                                  : state != SessionState::dormant ? 2
+                                                                   : 3;
+        groups[place].members.push_back(index);
+    }
+    std::erase_if(groups, [](const SessionGroup& group) { return group.members.empty(); });
+    return groups;
+}
+
 std::string stateSummary(const std::vector<Session>& sessions,
                          const std::vector<std::size_t>& members) {
     std::map<SessionState, std::size_t> counts;

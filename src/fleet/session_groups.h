@@ -29,6 +29,10 @@ inline constexpr std::string_view selfDrivenGroupKey = "@selfDriven";
 std::vector<SessionGroup> buildGroups(const std::vector<Session>& sessions, const ListRules& rules,
                                       Date now, Calendar calendar, const std::string& home);
 
+/// All sessions by what they mean to the user at a glance: who needs them, who works, who is ready,
+/// and, folded, who rests. In the order of `sessions`; a group without any is left out.
+std::vector<SessionGroup> buildGlance(const std::vector<Session>& sessions);
+
 /// How many sessions of a list are in which state, in words and the most urgent first:
 /// "2 Arbeitet · 1 Bereit".
 std::string stateSummary(const std::vector<Session>& sessions,

@@ -49,6 +49,8 @@ public:
     static constexpr Setting<bool> didAdoptPreviousNameSettings{"didAdoptPreviousNameSettings",
                                                                 false};
     static constexpr Setting<std::string_view> terminalPath{"terminalPath", ""};
+    /// Place and size of the main window, in the toolkit's form; empty at the first launch.
+    static constexpr Setting<std::string_view> windowGeometry{"windowGeometry", ""};
 
     // Reactions.
     static constexpr Setting<bool> notificationsEnabled{"notificationsEnabled", true};

@@ -1,0 +1,225 @@
+// The passes and what follows from them; what the user does is in fleet_monitor_commands.cpp.
+
+#include "monitor/fleet_monitor.h"
+
+#include "fleet/remembered_hosts.h"
+#include "reactions/stall_watchdog.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fleetwise {
+
+namespace {
+
+constexpr Seconds secondsShown{60};  ///< running times below it show their seconds
+constexpr Seconds shortStep{0.95};
+constexpr Seconds longStep{4.95};
+
+std::size_t countOf(const std::vector<Session>& sessions, bool (*isMeant)(SessionState)) {
+    return static_cast<std::size_t>(
+        std::count_if(sessions.begin(), sessions.end(),
+                      [&](const Session& session) { return isMeant(session.state); }));
+}
+
+}  // namespace
+
+struct FleetMonitor::Pass {
+    FleetSnapshot::Collection collection;
+    HookState hook = HookState::unknown;
+};
+
+FleetMonitor::FleetMonitor(Environment givenEnvironment)
+    : environment(std::move(givenEnvironment)), shownTime(environment.loop.now()) {}
+
+FleetMonitor::~FleetMonitor() = default;
+
+void FleetMonitor::start() {
+    environment.ensureStateDirectories();
+    const auto& places = environment.hook;
+    environment.loop.background(
+        [places] {
+            if (HookInstaller::isInstalled(places.settingsFile, places.installedHook) &&
+                !HookInstaller::isCurrent(places.bundledHook, places.installedHook)) {
+                // A copy that cannot be renewed is reported as out of date and goes on working.
+                static_cast<void>(
+                    HookInstaller::installHookBinary(places.bundledHook, places.installedHook));
+            }
+        },
+        [] {});
+    environment.watchdog.start();
+    const auto refreshed = [this] { refresh(); };
+    if (!refreshTimer) {
+        refreshTimer = environment.loop.every(refreshInterval, refreshed);
+        clockTimer = environment.loop.every(clockInterval, [this] { tick(); });
+    }
+    statusWatcher = environment.loop.watchDirectory(places.statusDir, refreshed);
+    registryWatcher = environment.loop.watchDirectory(environment.sessionsDirectory, refreshed);
+    refresh();
+}
+
+void FleetMonitor::refresh() {
+    if (isCollecting) {
+        wantsAnotherCollection = true;
+        return;
+    }
+    isCollecting = true;
+    runPass();
+}
+
+void FleetMonitor::runPass() {
+    const std::weak_ptr<bool> alive = aliveToken;
+    runInBackground(
+        environment.loop,
+        [collect = environment.collect, input = environment.settings.snapshotInput(),
+         now = environment.loop.now(), settingsFile = environment.hook.settingsFile,
+         installedHook = environment.hook.installedHook] {
+            Pass pass{.collection = collect(input, now)};
+            const bool isInstalled = HookInstaller::isInstalled(settingsFile, installedHook);
+            pass.hook = isInstalled ? HookState::installed : HookState::missing;
+            return pass;
+        },
+        [this, alive](Pass pass) {
+            if (!alive.expired()) finishPass(std::move(pass));
+        });
+}
+
+void FleetMonitor::finishPass(Pass pass) {
+    recheckTimer.reset();
+    if (const auto wait = pass.collection.recheckIn) {
+        recheckTimer = environment.loop.after(*wait, [this] { refresh(); });
+    }
+    setHookState(pass.hook);
+    apply(std::move(pass.collection));
+    isCollecting = false;
+    if (std::exchange(wantsAnotherCollection, false)) refresh();
+}
+
+void FleetMonitor::apply(FleetSnapshot::Collection collection) {
+    const Date now = environment.loop.now();
+    refreshedAt = now;
+    std::vector<Session>& sessions = collection.sessions;
+    pruneDismissed(sessions, collection.leftOut);
+    adoptFederations(sessions);
+    applyUserMarks(sessions);
+    rememberHosts(sessions, now);
+    environment.watchdog.setSessions(sessions.size());
+    react(sessions, now);
+    publish(std::move(sessions));
+}
+
+void FleetMonitor::adoptFederations(std::vector<Session>& sessions) {
+    std::map<std::string, std::string> adopted;
+    for (Session& session : sessions) {
+        const auto known = federations.find(session.id);
+        if (!session.federationId && known != federations.end()) {
+            session.federationId = known->second;
+        }
+        if (session.federationId) adopted.emplace(session.id, *session.federationId);
+    }
+    federations = std::move(adopted);
+}
+
+void FleetMonitor::rememberHosts(std::vector<Session>& sessions, Date now) {
+    std::vector<HostAppMemory::Sighting> sightings;
+    for (const Session& session : sessions) {
+        if (session.isLive) {
+            sightings.push_back({session.id, session.hostApp, session.hostBundleId});
+        }
+    }
+    environment.hosts.remember(sightings, now);
+    fillRememberedHosts(sessions, environment.hosts.entries(now));
+}
+
+void FleetMonitor::react(const std::vector<Session>& sessions, Date now) {
+    const auto notifyingStates = environment.settings.storedNotifyingStates();
+    const FleetChange change{sessions, previousStates, notifyingStates, now};
+    for (FleetReaction* reaction : environment.reactions)
+        reaction->react(change);
+    previousStates.clear();
+    for (const Session& session : sessions)
+        previousStates.emplace(session.id, session.state);
+}
+
+void FleetMonitor::pruneDismissed(const std::vector<Session>& live,
+                                  const std::set<std::string>& leftOut) {
+    // While ended sessions are hidden no pass looks for them, so none of them is missing.
+    if (!environment.settings.get(Settings::showDormant)) return;
+    std::set<std::string> present = leftOut;
+    for (const Session& session : live)
+        present.insert(session.id);
+    auto dismissed = environment.settings.get(Settings::dismissedSessionIds);
+    const auto pruned =
+        std::erase_if(dismissed, [&](const std::string& id) { return !present.contains(id); });
+    if (pruned > 0) environment.settings.set(Settings::dismissedSessionIds, dismissed);
+}
+
+void FleetMonitor::publish(std::vector<Session> sessions) {
+    const bool differs = sessions != list;
+    list = std::move(sessions);
+    suggested = federationSuggestions(list);
+    // Running times are told anew with what they belong to.
+    shownTime = environment.loop.now();
+    const bool isRegrouped = regroup();
+    if (differs || isRegrouped) notify(&Observer::fleetChanged);
+}
+
+bool FleetMonitor::regroup() {
+    ListRules rules = environment.settings.listRules();
+    rules.search = searchText;
+    auto groups =
+        buildGroups(list, rules, environment.loop.now(), environment.calendar, environment.home);
+    const bool differs = groups != grouped;
+    grouped = std::move(groups);
+    return differs;
+}
+
+void FleetMonitor::setHookState(HookState state) {
+    if (std::exchange(hook, state) != state) notify(&Observer::hookChanged);
+}
+
+void FleetMonitor::setVisibility(std::function<bool()> givenVisibility) {
+    isAnyWindowVisible = std::move(givenVisibility);
+}
+
+Seconds FleetMonitor::clockStep(const std::vector<Session>& sessions, Date now) {
+    const bool showsSeconds =
+        std::any_of(sessions.begin(), sessions.end(), [&](const Session& session) {
+            const auto since = session.elapsedReference();
+            return since && now - *since < secondsShown;
+        });
+    return showsSeconds ? shortStep : longStep;
+}
+
+void FleetMonitor::tick() {
+    if (!isAnyWindowVisible || !isAnyWindowVisible()) return;
+    const Date now = environment.loop.now();
+    const bool isDue = now < shownTime || now - shownTime >= clockStep(list, now);
+    if (!isDue) return;
+    shownTime = now;
+    notify(&Observer::clockTicked);
+}
+
+void FleetMonitor::addObserver(Observer& observer) {
+    observers.push_back(&observer);
+}
+
+void FleetMonitor::removeObserver(Observer& observer) {
+    std::erase(observers, &observer);
+}
+
+const Session* FleetMonitor::session(const std::string& id) const {
+    const auto found = std::find_if(list.begin(), list.end(),
+                                    [&](const Session& session) { return session.id == id; });
+    return found == list.end() ? nullptr : &*found;
+}
+
+std::size_t FleetMonitor::attentionCount() const {
+    return countOf(list, [](SessionState state) { return demandsAttention(state); });
+}
+
+std::size_t FleetMonitor::workingCount() const {
+    return countOf(list, [](SessionState state) { return isBusy(state); });
+}
+
+}  // namespace fleetwise

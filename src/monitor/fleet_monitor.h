@@ -1,0 +1,206 @@
+#pragma once
+
+#include "fleet/federations.h"
+#include "fleet/fleet_snapshot.h"
+#include "fleet/session_groups.h"
+#include "foundation/main_loop.h"
+#include "monitor/settings.h"
+#include "reactions/fleet_reaction.h"
+#include "sources/hook_installer.h"
+#include "sources/host_app_memory.h"
+
+#include <tl/expected.hpp>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace fleetwise {
+
+class StallWatchdog;
+
+/// Owns the live list of sessions: collects it on a schedule and when files change, tells the
+/// reactions what changed, and carries out what the user does to it. Main thread only.
+class FleetMonitor {
+public:
+    /// One that shows the list. Every function is called on the main thread, after the fact.
+    class Observer {
+    public:
+        Observer() = default;
+        Observer(const Observer&) = delete;
+        Observer& operator=(const Observer&) = delete;
+        virtual ~Observer() = default;
+
+        virtual void fleetChanged() {}     ///< sessions, groups or notices differ
+        virtual void clockTicked() {}      ///< `clock` moved
+        virtual void settingsChanged() {}  ///< any setting; before the fleet changes by it
+        virtual void windowRequested() {}  ///< the main window is to be shown
+        virtual void hookChanged() {}      ///< hookState or hookProblem differ
+    };
+
+    /// What the monitor works with. All that is referred to outlives it.
+    struct Environment {
+        MainLoop& loop;
+        Settings& settings;
+        /// Runs one pass. Called on another thread, never twice at once.
+        std::function<FleetSnapshot::Collection(const FleetSnapshot::Input&, Date now)> collect;
+        HookInstaller::Places hook;
+        std::string sessionsDirectory;  ///< the registry, watched as hook.statusDir is
+        std::function<void()> ensureStateDirectories;
+        HostAppMemory& hosts;
+        StallWatchdog& watchdog;
+        std::vector<FleetReaction*> reactions;  ///< in the order they are told
+        /// Brings the window a session runs in to the front, or tells why not, for the user.
+        std::function<tl::expected<void, std::string>(const Session&)> focus;
+        /// Resumes an ended session in a terminal, or tells why not, for the user.
+        std::function<tl::expected<void, std::string>(const Session&)> resume;
+        Calendar calendar = nullptr;
+        std::string home;  ///< shown as "~" in paths
+    };
+
+    enum class HookState { unknown, missing, installed };
+
+    static constexpr Seconds refreshInterval{5};
+    static constexpr Seconds clockInterval{1};
+
+    explicit FleetMonitor(Environment environment);
+    ~FleetMonitor();
+    FleetMonitor(const FleetMonitor&) = delete;
+    FleetMonitor& operator=(const FleetMonitor&) = delete;
+
+    /// Once, when the application has started.
+    void start();
+
+    /// Asks for a pass. At most one runs at a time; what is asked for meanwhile becomes one more.
+    void refresh();
+
+    void addObserver(Observer& observer);
+    void removeObserver(Observer& observer);
+
+    const std::vector<Session>& sessions() const { return list; }
+    const Session* session(const std::string& id) const;
+    const std::vector<SessionGroup>& groups() const { return grouped; }
+    const std::vector<FederationSuggestion>& suggestions() const { return suggested; }
+    std::size_t attentionCount() const;
+    std::size_t workingCount() const;
+    Date lastRefresh() const { return refreshedAt; }
+    bool hasCollected() const { return refreshedAt != Date(); }
+
+    /// The present as running times show it: it moves only as often as they are read.
+    Date clock() const { return shownTime; }
+    Calendar calendar() const { return environment.calendar; }
+    const std::string& home() const { return environment.home; }
+
+    /// How long the clock stands still: short while some running time shows seconds.
+    static Seconds clockStep(const std::vector<Session>& sessions, Date now);
+
+    /// Whether anyone looks; while nobody does, the clock stands. Asked once a second.
+    void setVisibility(std::function<bool()> isAnyWindowVisible);
+
+    const Settings& settings() const { return environment.settings; }
+
+    /// Changes a setting, and the list by it.
+    template <typename Value>
+    void change(const Setting<Value>& setting, const std::type_identity_t<Value>& value) {
+        environment.settings.set(setting, value);
+        settingsChanged();
+    }
+
+    /// Stores a setting that no list depends on.
+    template <typename Value>
+    void store(const Setting<Value>& setting, const std::type_identity_t<Value>& value) {
+        environment.settings.set(setting, value);
+    }
+
+    void toggleFilter(ListFilter filter);
+    void toggleFavorite(const std::string& id);
+    void setSearch(const std::string& search);
+    const std::string& search() const { return searchText; }
+
+    /// Removes a session from the list. One that runs stays, with a notice that says so.
+    void dismiss(const std::string& id);
+    /// Lists the removed sessions again.
+    void clearDismissed();
+
+    /// Brings the session's window to the front. What stands in the way becomes its notice.
+    void focus(const std::string& id);
+    void resume(const std::string& id);
+    /// Focuses what runs and resumes what has ended.
+    void activate(const std::string& id);
+    void requestWindow();
+
+    /// What the last thing the user did to a session came to, where it failed; for ten seconds.
+    std::optional<std::string> notice(const std::string& id) const;
+
+    /// The mark to put into a prompt that hands the session's work over to another.
+    std::string handoffMark(const std::string& id) const;
+
+    HookState hookState() const { return hook; }
+    const HookInstaller::Places& hookPlaces() const { return environment.hook; }
+    /// Why the last installation failed; empty otherwise.
+    const std::string& hookProblem() const { return hookFailure; }
+    void installHook();
+
+private:
+    struct Pass;
+    struct Notice {
+        std::string text;
+        std::unique_ptr<MainLoop::Subscription> expiry;
+    };
+
+    void runPass();
+    void finishPass(Pass pass);
+    void apply(FleetSnapshot::Collection collection);
+    void adoptFederations(std::vector<Session>& sessions);
+    void applyUserMarks(std::vector<Session>& sessions) const;
+    void rememberHosts(std::vector<Session>& sessions, Date now);
+    void react(const std::vector<Session>& sessions, Date now);
+    void pruneDismissed(const std::vector<Session>& live, const std::set<std::string>& leftOut);
+    void publish(std::vector<Session> sessions);
+    bool regroup();
+    void listChanged();
+    void settingsChanged();
+    void tick();
+    void setHookState(HookState state);
+    void setNotice(const std::string& id, std::string text);
+    void carryOut(const std::string& id,
+                  const std::function<tl::expected<void, std::string>(const Session&)>& operation);
+
+    template <typename Function>
+    void notify(Function function) {
+        for (Observer* observer : std::vector(observers))
+            (observer->*function)();
+    }
+
+    Environment environment;
+    std::vector<Observer*> observers;
+
+    std::vector<Session> list;
+    std::vector<SessionGroup> grouped;
+    std::vector<FederationSuggestion> suggested;
+    std::map<std::string, SessionState> previousStates;
+    std::map<std::string, std::string> federations;  ///< by session id, as marks told
+    std::map<std::string, Notice> notices;           ///< by session id
+    std::string searchText;
+    HookState hook = HookState::unknown;
+    std::string hookFailure;
+    bool isCollecting = false;
+    bool wantsAnotherCollection = false;
+    Date refreshedAt;
+    Date shownTime;
+    std::function<bool()> isAnyWindowVisible;
+
+    std::unique_ptr<MainLoop::Subscription> refreshTimer;
+    std::unique_ptr<MainLoop::Subscription> clockTimer;
+    std::unique_ptr<MainLoop::Subscription> recheckTimer;
+    std::unique_ptr<MainLoop::Subscription> statusWatcher;
+    std::unique_ptr<MainLoop::Subscription> registryWatcher;
+    /// What follows a background job only happens while this exists.
+    std::shared_ptr<bool> aliveToken = std::make_shared<bool>(true);
+};
+
+}  // namespace fleetwise

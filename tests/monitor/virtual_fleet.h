@@ -1,0 +1,114 @@
+#pragma once
+
+#include "foundation/virtual_main_loop.h"
+#include "monitor/fleet_monitor.h"
+#include "reactions/attention_log.h"
+#include "reactions/stall_watchdog.h"
+#include "support/temporary_directory.h"
+
+#include <string>
+#include <vector>
+
+namespace fleetwise::testing {
+
+/// A session in a folder of its own; what is not dormant has a process.
+inline Session session(const std::string& id, SessionState state) {
+    Session made;
+    made.id = id;
+    made.state = state;
+    made.isLive = state != SessionState::dormant;
+    if (made.isLive) made.pid = 4711;
+    made.cwd = "/srv/" + id;
+    return made;
+}
+
+/// Notes each change of a state as "id: from>to".
+class TransitionNotes final : public FleetReaction {
+public:
+    void react(const FleetChange& change) override {
+        for (const Session& session : change.sessions) {
+            const auto before = change.previousStates.find(session.id);
+            if (before == change.previousStates.end() || before->second == session.state) continue;
+            notes.push_back(session.id + ": " + std::string(rawValue(before->second)) + ">" +
+                            std::string(rawValue(session.state)));
+        }
+    }
+    std::vector<std::string> notes;
+};
+
+/// A monitor on a virtual clock, with passes of the test's making.
+class VirtualFleet {
+public:
+    /// Starts the monitor and lets its first pass end.
+    void begin(std::vector<Session> sessions) {
+        next.sessions = std::move(sessions);
+        monitor.start();
+        finishAll();
+    }
+    /// Lets a pass bring these sessions.
+    void collect(std::vector<Session> sessions) {
+        next.sessions = std::move(sessions);
+        monitor.refresh();
+        finishAll();
+    }
+    void finishAll() {
+        while (loop.backgroundJobs() > 0)
+            loop.finishBackground();
+    }
+    std::vector<std::string> ids() const {
+        std::vector<std::string> listed;
+        for (const Session& session : monitor.sessions())
+            listed.push_back(session.id);
+        return listed;
+    }
+
+    const Date start = dateFromSeconds(1'795'226'700);
+    TemporaryDirectory home;
+    VirtualMainLoop loop{start};
+    InMemoryUserDefaults defaults;
+    Settings settings{defaults};
+    HostAppMemory hosts{home.at("hosts.json"), defaults, start};
+    StallWatchdog watchdog{"", [](const auto&) {}};
+    AttentionLog attentionLog{home.at("attention-log.json"), start};
+    TransitionNotes transitions;
+    FleetSnapshot::Collection next;                  ///< what the next passes bring
+    std::vector<FleetSnapshot::Input> passes;        ///< the passes so far
+    std::vector<std::string> commands;               ///< "focus ID" and "resume ID", as they came
+    tl::expected<void, std::string> commandOutcome;  ///< of the next commands
+
+    FleetMonitor monitor{environment()};
+
+private:
+    FleetMonitor::Environment environment() {
+        return {
+            .loop = loop,
+            .settings = settings,
+            .collect =
+                [this](const FleetSnapshot::Input& input, Date) {
+                    passes.push_back(input);
+                    return next;
+                },
+            .hook = {.settingsFile = home.at("settings.json"),
+                     .stateDir = home.at("state"),
+                     .statusDir = home.at("state/status"),
+                     .installedHook = home.at("state/fleetwise-hook"),
+                     .bundledHook = home.write("bundled-hook", "the hook")},
+            .sessionsDirectory = home.at("sessions"),
+            .ensureStateDirectories = [] {},
+            .hosts = hosts,
+            .watchdog = watchdog,
+            .reactions = {&transitions, &attentionLog},
+            .focus = [this](const Session& session) { return carriedOut("focus " + session.id); },
+            .resume = [this](const Session& session) { return carriedOut("resume " + session.id); },
+            .calendar = date::locate_zone("Europe/Berlin"),
+            .home = home.path(),
+        };
+    }
+
+    tl::expected<void, std::string> carriedOut(std::string command) {
+        commands.push_back(std::move(command));
+        return commandOutcome;
+    }
+};
+
+}  // namespace fleetwise::testing

@@ -42,10 +42,16 @@ Json asJson(const QVariant& value) {
 
 }  // namespace
 
-QtUserDefaults::QtUserDefaults()
-    : settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                           "Fleetwise", "Fleetwise")) {
+QtUserDefaults::QtUserDefaults() : QtUserDefaults(QStringLiteral("Fleetwise")) {}
+
+QtUserDefaults::QtUserDefaults(const QString& name)
+    : settings(
+          std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, name, name)) {
     settings->setFallbacksEnabled(false);
+}
+
+QtUserDefaults QtUserDefaults::ofPreviousName() {
+    return QtUserDefaults(QStringLiteral("fleetwise"));
 }
 
 QtUserDefaults::~QtUserDefaults() = default;

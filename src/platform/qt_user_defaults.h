@@ -5,6 +5,7 @@
 #include <memory>
 
 class QSettings;
+class QString;
 
 namespace fleetwise {
 
@@ -14,6 +15,10 @@ namespace fleetwise {
 class QtUserDefaults final : public UserDefaults {
 public:
     QtUserDefaults();
+
+    /// What an earlier version of the program stored, which called itself "fleetwise".
+    static QtUserDefaults ofPreviousName();
+
     ~QtUserDefaults() override;
 
     void set(const std::string& key, const Json& value) override;
@@ -23,6 +28,8 @@ protected:
     std::optional<Json> stored(const std::string& key) const override;
 
 private:
+    explicit QtUserDefaults(const QString& name);
+
     std::unique_ptr<QSettings> settings;
 };
 

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "monitor/fleet_monitor.h"
+
+#include <QWidget>
+
+#include <map>
+
+class QComboBox;
+class QLineEdit;
+class QToolButton;
+
+namespace fleetwise {
+
+/// What the list shows and how: search, filters, grouping, order and density.
+class FilterBar final : public QWidget, private FleetMonitor::Observer {
+    Q_OBJECT
+
+public:
+    /// The monitor outlives this.
+    explicit FilterBar(FleetMonitor& monitor, QWidget* parent = nullptr);
+    ~FilterBar() override;
+
+    void focusSearch();
+
+signals:
+    /// The user is through with the search field and wants to go to the list.
+    void leftSearch();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void settingsChanged() override { showSettings(); }
+    void showSettings();
+    void makeFilters();
+    template <typename Modes>
+    QComboBox* modeBox(const Modes& modes, const Setting<std::string_view>& setting,
+                       const QString& name);
+
+    FleetMonitor& monitor;
+    QLineEdit* search;
+    std::map<ListFilter, QToolButton*> filters;
+    QComboBox* grouping;
+    QComboBox* order;
+    QToolButton* density;
+};
+
+}  // namespace fleetwise

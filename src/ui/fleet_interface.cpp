@@ -1,0 +1,114 @@
+#include "ui/fleet_interface.h"
+
+#include "ui/interface_text.h"
+#include "ui/mark_settings.h"
+#include "ui/mark_tooltip.h"
+#include "ui/theme.h"
+
+#include <QApplication>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace fleetwise {
+
+namespace {
+
+bool canBeSeen(const QWidget* widget) {
+    return widget->isVisible() && !widget->isMinimized() && widget->windowHandle() != nullptr &&
+           widget->windowHandle()->isExposed();
+}
+
+bool isAnyWindowVisible() {
+    return std::ranges::any_of(QApplication::topLevelWidgets(), canBeSeen);
+}
+
+}  // namespace
+
+FleetInterface::FleetInterface(FleetMonitor& givenMonitor, QApplication& givenApplication)
+    : monitor(givenMonitor),
+      application(givenApplication),
+      desktopPalette(QApplication::palette()),
+      listModel(monitor, [this] { return monitor.groups(); }),
+      glanceModel(monitor, [this] { return buildGlance(monitor.sessions()); }),
+      window(monitor, listModel),
+      popover(glanceModel, glanceDelegate) {
+    glanceDelegate.setDensity(Density::comfortable);
+    connectTray();
+    connectPopover();
+    settingsChanged();
+    fleetChanged();
+    hookChanged();
+    followTray();
+    monitor.setVisibility(isAnyWindowVisible);
+    monitor.addObserver(*this);
+}
+
+FleetInterface::~FleetInterface() {
+    monitor.removeObserver(*this);
+    monitor.setVisibility({});
+}
+
+void FleetInterface::start() {
+    window.bringUp();
+}
+
+void FleetInterface::connectTray() {
+    connect(&tray, &TrayItem::popoverWanted, &popover, &FleetPopover::toggle);
+    connect(&tray, &TrayItem::windowWanted, &window, &FleetWindow::bringUp);
+    connect(&tray, &TrayItem::quitWanted, &application, &QApplication::quit);
+    connect(&tray, &TrayItem::availabilityChanged, this, &FleetInterface::followTray);
+}
+
+void FleetInterface::connectPopover() {
+    connect(&popover, &FleetPopover::windowWanted, &window, &FleetWindow::bringUp);
+    connect(&popover, &FleetPopover::activated, this, [this](const QModelIndex& index) {
+        if (glanceModel.row(index).kind == SessionRow::Kind::heading) {
+            glanceModel.toggleFolded(index);
+            return;
+        }
+        monitor.activate(glanceModel.row(index).key.toStdString());
+        popover.hide();
+    });
+}
+
+void FleetInterface::followTray() {
+    window.setClosing(tray.isAvailable() ? FleetWindow::Closing::hides
+                                         : FleetWindow::Closing::minimises);
+}
+
+void FleetInterface::settingsChanged() {
+    applyAppearance();
+    showMark();
+}
+
+void FleetInterface::applyAppearance() {
+    const std::string mode = monitor.settings().get(Settings::appearanceMode);
+    const QPalette wanted = applicationPalette(appearanceFor(mode, desktopPalette), desktopPalette);
+    if (wanted != QApplication::palette()) QApplication::setPalette(wanted);
+    tray.setStyle(MarkStyle::coloured, appearanceOf(desktopPalette));
+}
+
+void FleetInterface::fleetChanged() {
+    showMark();
+}
+
+void FleetInterface::showMark() {
+    const auto working = static_cast<int>(monitor.workingCount());
+    const auto attention = static_cast<int>(monitor.attentionCount());
+    MarkFigures figures;
+    figures.working = working;
+    figures.needsAttention = attention > 0;
+    figures = shownFigures(std::move(figures), markChoices(monitor.settings()));
+    tray.setFigures(figures);
+    tray.setToolTip(qtText(markTooltip({.working = working, .attention = attention})));
+    window.setWindowIcon(markIcon(figures, MarkStyle::coloured, appearanceOf(desktopPalette)));
+}
+
+void FleetInterface::hookChanged() {
+    popover.setHint(monitor.hookState() == FleetMonitor::HookState::missing
+                        ? FleetHint::installHook
+                        : FleetHint::startAgent);
+}
+
+}  // namespace fleetwise

@@ -1,0 +1,193 @@
+#include "ui/fleet_list_model.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace fleetwise {
+
+namespace {
+
+/// Ended sessions show how long ago they were active, in minutes at least.
+constexpr Seconds restingStep{60};
+
+/// Told apart from all other rows: a group's key might be a session's id.
+QString identityOf(const SessionRow& row) {
+    return (row.kind == SessionRow::Kind::heading ? u'#' : u'-') + row.key;
+}
+
+}  // namespace
+
+FleetListModel::FleetListModel(FleetMonitor& givenMonitor,
+                               std::function<std::vector<SessionGroup>()> givenGroups,
+                               QObject* parent)
+    : QAbstractListModel(parent), monitor(givenMonitor), groups(std::move(givenGroups)) {
+    update();
+    monitor.addObserver(*this);
+}
+
+FleetListModel::~FleetListModel() {
+    monitor.removeObserver(*this);
+}
+
+int FleetListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows.size());
+}
+
+QVariant FleetListModel::data(const QModelIndex& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    const SessionRow& shown = row(index);
+    switch (role) {
+        case Qt::DisplayRole:
+            return shown.name;
+        case Qt::ToolTipRole:
+            return shown.tooltip;
+        case Qt::AccessibleTextRole:
+            return shown.spoken;
+        case rowRole:
+            return QVariant::fromValue(shown);
+        case keyRole:
+            return shown.key;
+        case headingRole:
+            return shown.kind == SessionRow::Kind::heading;
+        default:
+            return {};
+    }
+}
+
+Qt::ItemFlags FleetListModel::flags(const QModelIndex& index) const {
+    if (!index.isValid()) return Qt::NoItemFlags;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+}
+
+const SessionRow& FleetListModel::row(const QModelIndex& index) const {
+    return rows[static_cast<std::size_t>(index.row())];
+}
+
+QModelIndex FleetListModel::indexOf(const QString& key) const {
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [&](const SessionRow& row) { return row.key == key; });
+    return found == rows.end() ? QModelIndex()
+                               : index(static_cast<int>(std::distance(rows.begin(), found)));
+}
+
+void FleetListModel::toggleFolded(const QModelIndex& heading) {
+    setFolded(heading, !row(heading).isFolded);
+}
+
+void FleetListModel::setFolded(const QModelIndex& heading, bool isFolded) {
+    folded[row(heading).key.toStdString()] = isFolded;
+    update();
+}
+
+bool FleetListModel::isFolded(const SessionGroup& group) const {
+    const auto decided = folded.find(group.key);
+    return decided == folded.end() ? group.beginsFolded : decided->second;
+}
+
+SessionRow FleetListModel::rowOf(const Session& session) const {
+    return sessionRow(session, {monitor.clock(), monitor.calendar(), monitor.home()},
+                      monitor.notice(session.id));
+}
+
+std::vector<SessionRow> FleetListModel::rowsNow() const {
+    std::vector<SessionRow> wanted;
+    for (const SessionGroup& group : groups()) {
+        wanted.push_back(headingRow(group, isFolded(group)));
+        if (wanted.back().isFolded) continue;
+        for (const std::size_t member : group.members)
+            wanted.push_back(rowOf(monitor.sessions()[member]));
+    }
+    return wanted;
+}
+
+void FleetListModel::update() {
+    auto wanted = rowsNow();
+    removeGone(wanted);
+    arrange(wanted);
+    updateContents(std::move(wanted));
+    updatedAt = monitor.clock();
+}
+
+void FleetListModel::updateTimes() {
+    if (monitor.clock() - updatedAt >= restingStep) {
+        update();
+        return;
+    }
+    std::size_t position = 0;
+    for (const SessionGroup& group : groups()) {
+        ++position;
+        if (isFolded(group)) continue;
+        for (const std::size_t member : group.members) {
+            const Session& session = monitor.sessions()[member];
+            if (session.state != SessionState::dormant) replace(position, rowOf(session));
+            ++position;
+        }
+    }
+}
+
+void FleetListModel::removeGone(const std::vector<SessionRow>& wanted) {
+    QSet<QString> kept;
+    for (const SessionRow& row : wanted)
+        kept.insert(identityOf(row));
+    for (int last = rowCount() - 1; last >= 0; --last) {
+        const auto isGone = [&](int position) {
+            return !kept.contains(identityOf(rows[static_cast<std::size_t>(position)]));
+        };
+        if (!isGone(last)) continue;
+        int first = last;
+        while (first > 0 && isGone(first - 1))
+            --first;
+        beginRemoveRows({}, first, last);
+        rows.erase(rows.begin() + first, rows.begin() + last + 1);
+        endRemoveRows();
+        last = first;
+    }
+}
+
+void FleetListModel::arrange(const std::vector<SessionRow>& wanted) {
+    QSet<QString> present;
+    for (const SessionRow& row : rows)
+        present.insert(identityOf(row));
+    for (int position = 0; position < static_cast<int>(wanted.size());) {
+        const QString identity = identityOf(wanted[static_cast<std::size_t>(position)]);
+        if (!present.contains(identity)) {
+            int end = position + 1;
+            while (end < static_cast<int>(wanted.size()) &&
+                   !present.contains(identityOf(wanted[static_cast<std::size_t>(end)])))
+                ++end;
+            beginInsertRows({}, position, end - 1);
+            rows.insert(rows.begin() + position, wanted.begin() + position, wanted.begin() + end);
+            endInsertRows();
+            position = end;
+        } else {
+            moveHere(position, identity);
+            ++position;
+        }
+    }
+}
+
+void FleetListModel::moveHere(int position, const QString& identity) {
+    const auto begin = rows.begin() + position;
+    const auto found = std::find_if(
+        begin, rows.end(), [&](const SessionRow& row) { return identityOf(row) == identity; });
+    if (found == begin) return;
+    const int from = static_cast<int>(std::distance(rows.begin(), found));
+    beginMoveRows({}, from, from, {}, position);
+    std::rotate(begin, found, found + 1);
+    endMoveRows();
+}
+
+void FleetListModel::updateContents(std::vector<SessionRow> wanted) {
+    for (std::size_t position = 0; position < rows.size(); ++position)
+        replace(position, std::move(wanted[position]));
+}
+
+void FleetListModel::replace(std::size_t position, SessionRow row) {
+    if (rows[position] == row) return;
+    rows[position] = std::move(row);
+    const QModelIndex changed = index(static_cast<int>(position));
+    emit dataChanged(changed, changed);
+}
+
+}  // namespace fleetwise

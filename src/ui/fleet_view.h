@@ -1,0 +1,54 @@
+#pragma once
+
+#include "fleet/list_rules.h"
+#include "ui/row_geometry.h"
+
+#include <QBasicTimer>
+#include <QListView>
+
+namespace fleetwise {
+
+class FleetListModel;
+class FleetMonitor;
+class SessionRowDelegate;
+
+/// The list of sessions: what the keyboard and the mouse do in it, and the signs of life of those
+/// that work.
+class FleetView final : public QListView {
+    Q_OBJECT
+
+public:
+    /// The monitor and the model outlive this.
+    FleetView(FleetMonitor& monitor, FleetListModel& model, QWidget* parent = nullptr);
+
+    /// Follows the settings.
+    void setLook(Density density, GroupMode grouping);
+
+    /// Selects the first session where none is selected.
+    void selectSomething();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void activateRow(const QModelIndex& index);
+    bool foldByKey(int key, const QModelIndex& index);
+    bool actByKey(int key, const QModelIndex& index);
+    void showMenu(const QModelIndex& index, const QPoint& position);
+    void followActivity();
+    void turnRings();
+
+    FleetMonitor& monitor;
+    FleetListModel& list;
+    SessionRowDelegate* delegate;
+    QBasicTimer turning;
+    int step = 0;
+};
+
+}  // namespace fleetwise

@@ -1,0 +1,145 @@
+#include "ui/fleet_window.h"
+
+#include "foundation/brand.h"
+#include "ui/filter_bar.h"
+#include "ui/fleet_list_model.h"
+#include "ui/fleet_view.h"
+#include "ui/hook_banner.h"
+#include "ui/interface_text.h"
+#include "ui/theme.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QShortcut>
+
+#include <chrono>
+#include <numeric>
+
+namespace fleetwise {
+
+namespace {
+
+constexpr QSize initialSize(1000, 680);
+constexpr std::chrono::seconds tellingTime(10);
+
+}  // namespace
+
+FleetWindow::FleetWindow(FleetMonitor& givenMonitor, FleetListModel& givenModel)
+    : monitor(givenMonitor),
+      model(givenModel),
+      filterBar(new FilterBar(monitor)),
+      view(new FleetView(monitor, model)),
+      empty(new QLabel),
+      footer(new QLabel) {
+    setWindowTitle(QString::fromUtf8(Brand::bundleName.data(), Brand::bundleName.size()));
+    setObjectName(QStringLiteral("fleet"));
+    layOut();
+    addShortcuts();
+    tellingEnds.setSingleShot(true);
+    tellingEnds.setInterval(tellingTime);
+    connect(&tellingEnds, &QTimer::timeout, this, &FleetWindow::showSummary);
+    restoreGeometryOnce();
+    settingsChanged();
+    fleetChanged();
+    monitor.addObserver(*this);
+}
+
+FleetWindow::~FleetWindow() {
+    monitor.removeObserver(*this);
+}
+
+void FleetWindow::layOut() {
+    empty->setAlignment(Qt::AlignCenter);
+    empty->setWordWrap(true);
+    empty->setMargin(2 * Metrics::groupGap);
+    footer->setContentsMargins(Metrics::margin, Metrics::grid, Metrics::margin, Metrics::grid);
+    footer->setForegroundRole(QPalette::PlaceholderText);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(filterBar);
+    layout->addWidget(new HookBanner(monitor));
+    layout->addWidget(view, 1);
+    layout->addWidget(empty, 1);
+    layout->addWidget(footer);
+    setTabOrder(filterBar, view);
+}
+
+void FleetWindow::addShortcuts() {
+    const auto add = [this](const QKeySequence& keys, auto action) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, action);
+    };
+    add(QKeySequence::Find, [this] { filterBar->focusSearch(); });
+    add(QKeySequence::Refresh, [this] { monitor.refresh(); });
+    add(QKeySequence::Close, [this] { close(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QApplication::quit(); });
+    connect(filterBar, &FilterBar::leftSearch, this, [this] {
+        view->setFocus(Qt::ShortcutFocusReason);
+        view->selectSomething();
+    });
+}
+
+void FleetWindow::restoreGeometryOnce() {
+    const std::string stored = monitor.settings().get(Settings::windowGeometry);
+    if (restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(stored)))) return;
+    resize(initialSize);
+}
+
+void FleetWindow::hideEvent(QHideEvent* event) {
+    monitor.store(Settings::windowGeometry, saveGeometry().toBase64().toStdString());
+    QWidget::hideEvent(event);
+}
+
+void FleetWindow::closeEvent(QCloseEvent* event) {
+    if (whenClosed == Closing::minimises) {
+        event->ignore();
+        showMinimized();
+    } else {
+        QWidget::closeEvent(event);
+    }
+}
+
+void FleetWindow::bringUp() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+    view->setFocus();
+}
+
+void FleetWindow::settingsChanged() {
+    view->setLook(densityFrom(monitor.settings().get(Settings::density)),
+                  monitor.settings().listRules().groupMode);
+}
+
+void FleetWindow::fleetChanged() {
+    const bool isEmpty = monitor.groups().empty();
+    view->setVisible(!isEmpty);
+    empty->setVisible(isEmpty);
+    if (isEmpty) empty->setText(emptyText());
+    if (!tellingEnds.isActive()) showSummary();
+}
+
+void FleetWindow::tell(const QString& message) {
+    footer->setText(message);
+    tellingEnds.start();
+}
+
+void FleetWindow::showSummary() {
+    std::vector<std::size_t> all(monitor.sessions().size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    footer->setText(qtText(stateSummary(monitor.sessions(), all)));
+}
+
+QString FleetWindow::emptyText() const {
+    if (!monitor.hasCollected()) return shown("Die Sitzungen werden gesucht …"_text);
+    if (!monitor.sessions().empty()) {
+        return shown("Keine Sitzung passt zu Suche und Filtern."_text);
+    }
+    return shown(
+        "Noch keine Sitzung. Starte Claude Code oder Codex in einem Terminal, dann erscheint sie hier."_text);
+}
+
+}  // namespace fleetwise

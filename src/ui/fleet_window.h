@@ -1,0 +1,61 @@
+#pragma once
+
+#include "monitor/fleet_monitor.h"
+
+#include <QTimer>
+#include <QWidget>
+
+class QLabel;
+
+namespace fleetwise {
+
+class FilterBar;
+class FleetListModel;
+class FleetView;
+
+/// The main window: the whole fleet, grouped, filtered and searched.
+class FleetWindow final : public QWidget, private FleetMonitor::Observer {
+    Q_OBJECT
+
+public:
+    /// What closing the window does: without a tray it must not vanish.
+    enum class Closing { hides, minimises };
+
+    /// The monitor and the model outlive this.
+    FleetWindow(FleetMonitor& monitor, FleetListModel& model);
+    ~FleetWindow() override;
+
+    void setClosing(Closing closing) { whenClosed = closing; }
+
+    /// Shows the window in front of all others.
+    void bringUp();
+
+    /// Says something at the foot of the window for ten seconds.
+    void tell(const QString& message);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void fleetChanged() override;
+    void settingsChanged() override;
+    void windowRequested() override { bringUp(); }
+
+    void layOut();
+    void addShortcuts();
+    void restoreGeometryOnce();
+    void showSummary();
+    QString emptyText() const;
+
+    FleetMonitor& monitor;
+    FleetListModel& model;
+    FilterBar* filterBar;
+    FleetView* view;
+    QLabel* empty;
+    QLabel* footer;
+    QTimer tellingEnds;
+    Closing whenClosed = Closing::hides;
+};
+
+}  // namespace fleetwise

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QRect>
+
+#include <string_view>
+
+namespace fleetwise {
+
+/// How much room a row takes.
+enum class Density {
+    compact,      ///< one line
+    comfortable,  ///< two lines
+};
+
+/// The setting's name for it; anything but "comfortable" is compact.
+Density densityFrom(std::string_view raw);
+
+/// What text needs, in device-independent pixels.
+struct RowTextSizes {
+    int lineHeight = 0;       ///< of the names
+    int smallLineHeight = 0;  ///< of the second line
+    int timeWidth = 0;        ///< of the longest usual running time
+};
+
+/// Where the parts of a session's row stand. Texts are placed in the middle of their height; an
+/// empty rectangle is a part that this row has no room for.
+struct RowGeometry {
+    QRect glyph;
+    QRect name;
+    QRect detail;
+    QRect place;   ///< path or project, and branch; right-aligned
+    QRect origin;  ///< application and model; right-aligned
+    QRect bar;     ///< how full the context is
+    QRect time;    ///< right-aligned
+
+    bool operator==(const RowGeometry&) const = default;
+};
+
+int rowHeight(Density density, const RowTextSizes& sizes);
+int headingHeight(const RowTextSizes& sizes);
+
+RowGeometry rowGeometry(const QRect& row, Density density, const RowTextSizes& sizes);
+
+}  // namespace fleetwise

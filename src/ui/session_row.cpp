@@ -1,0 +1,119 @@
+#include "ui/session_row.h"
+
+#include "localisation/duration_format.h"
+#include "session/model_name.h"
+#include "session/permission_mode.h"
+#include "ui/interface_text.h"
+
+#include <cmath>
+
+namespace fleetwise {
+
+namespace {
+
+/// How long the state lasts; of an ended session how long ago it was active.
+QString elapsedText(const Session& session, Date now) {
+    const bool hasEnded = session.state == SessionState::dormant;
+    const auto since = hasEnded ? session.lastActivityAt : session.elapsedReference();
+    return since ? qtText(durationText(now - *since)) : QString();
+}
+
+QStringList badgesOf(const Session& session) {
+    QStringList badges;
+    if (session.subagentCount > 0 && session.state != SessionState::waitingForSubagents) {
+        badges << shown("Agenten ×%d"_text, session.subagentCount);
+    }
+    if (const auto running = session.runningBackgroundTasks(); !running.empty()) {
+        badges << shown("Hintergrund ×%d"_text, running.size());
+    }
+    if (session.tasks) {
+        badges << QStringLiteral("%1/%2").arg(session.tasks->completed).arg(session.tasks->total);
+    }
+    if (const auto mode = PermissionMode::label(session.permissionMode)) badges << qtText(*mode);
+    if (session.isSelfDriven()) badges << shown("selbstgesteuert"_text);
+    return badges;
+}
+
+QString hostOf(const Session& session) {
+    if (session.hostApp) return qtText(*session.hostApp);
+    return session.isLive ? shown("Fenster unbekannt"_text) : QString();
+}
+
+void addLine(QString& text, const QString& label, const QString& value) {
+    if (value.isEmpty()) return;
+    if (!text.isEmpty()) text += u'\n';
+    text += label.isEmpty() ? value : label + QStringLiteral(": ") + value;
+}
+
+QString contextText(std::optional<double> fill) {
+    return fill ? shown("%d %%"_text, std::lround(*fill * 100)) : QString();
+}
+
+QString tooltipOf(const SessionRow& row, const Session& session) {
+    QString text;
+    addLine(text, {}, row.name);
+    addLine(text, {}, row.stateLabel + (row.detail.isEmpty() ? "" : " — " + row.detail));
+    addLine(text, shown("Pfad"_text), row.path);
+    addLine(text, shown("Branch"_text), row.branch);
+    addLine(text, shown("Anwendung"_text), row.host);
+    addLine(text, shown("Agent"_text), qtText(session.agent.label()));
+    addLine(text, shown("Modell"_text), row.model);
+    addLine(text, shown("Kontext"_text), contextText(row.contextFill));
+    addLine(text, shown("Zusätzlich"_text), row.badges.join(QStringLiteral(", ")));
+    return text;
+}
+
+QString spokenOf(const SessionRow& row) {
+    QStringList parts{row.name, row.stateLabel};
+    for (const QString& part : {row.detail, row.project, row.branch, row.host, row.elapsed}) {
+        if (!part.isEmpty()) parts << part;
+    }
+    if (row.contextFill) parts << shown("Kontext"_text) + u' ' + contextText(row.contextFill);
+    if (row.isFavorite) parts << shown("Favorit"_text);
+    return parts.join(QStringLiteral(", "));
+}
+
+}  // namespace
+
+SessionRow sessionRow(const Session& session, const RowContext& context,
+                      const std::optional<std::string>& notice) {
+    SessionRow row;
+    row.key = qtText(session.id);
+    row.name = qtText(session.displayName());
+    row.detail = qtText(notice ? *notice : session.detail(context.now, context.calendar));
+    row.isNotice = notice.has_value();
+    row.state = session.state;
+    row.stateLabel = qtText(label(session.state));
+    row.agentSymbol = qtText(std::string(session.agent.symbol()));
+    row.path = qtText(session.displayPath(context.home));
+    row.project = qtText(session.projectName());
+    row.branch = qtText(session.gitBranch.value_or(""));
+    row.host = hostOf(session);
+    row.model = qtText(displayModelName(session.model.value_or("")));
+    row.elapsed = elapsedText(session, context.now);
+    row.badges = badgesOf(session);
+    row.contextFill = session.contextFill({});
+    row.isFavorite = session.isFavorite;
+    row.isLive = session.isLive;
+    row.isStale = session.isStale(context.now);
+    row.tooltip = tooltipOf(row, session);
+    row.spoken = spokenOf(row);
+    return row;
+}
+
+SessionRow headingRow(const SessionGroup& group, bool isFolded) {
+    SessionRow row;
+    row.kind = SessionRow::Kind::heading;
+    row.key = qtText(group.key);
+    row.name = qtText(group.title);
+    row.detail = qtText(group.detail);
+    row.count = static_cast<int>(group.members.size());
+    row.isFolded = isFolded;
+    row.tooltip = row.detail;
+    row.spoken = isFolded
+                     ? shown("Gruppe %@, %d Sitzungen, eingeklappt"_text, group.title, row.count)
+                     : shown("Gruppe %@, %d Sitzungen"_text, group.title, row.count);
+    return row;
+}
+
+}  // namespace fleetwise

@@ -1,0 +1,213 @@
+#include "ui/session_row_delegate.h"
+
+#include "localisation/duration_format.h"
+#include "ui/agent_symbol.h"
+#include "ui/drawing_box.h"
+#include "ui/fleet_list_model.h"
+#include "ui/interface_text.h"
+#include "ui/state_glyph.h"
+#include "ui/theme.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace fleetwise {
+
+namespace {
+
+constexpr double fullContext = 0.8;  ///< from here on the bar warns
+constexpr double selectionStrength = 0.16;
+constexpr int chevronSide = 10;
+constexpr int starSide = 12;
+constexpr int symbolSide = 12;
+constexpr auto separator = " · ";
+
+RowTextSizes textSizes(const QFont& font) {
+    const QFontMetrics body(font);
+    const QFontMetrics small(smallFont(font));
+    const QString longest = qtText(durationText(std::chrono::minutes(23 * 60 + 58)));
+    return {.lineHeight = body.height(),
+            .smallLineHeight = small.height(),
+            .timeWidth = small.horizontalAdvance(longest)};
+}
+
+QColor faded(QColor colour, double strength) {
+    colour.setAlphaF(static_cast<float>(strength));
+    return colour;
+}
+
+void paintGround(QPainter& painter, const QStyleOptionViewItem& option, const Palette& palette) {
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
+    if (!isSelected && !isHovered) return;
+    const QRectF area = QRectF(option.rect).adjusted(4, 1, -4, -1);
+    const bool hasFocus = isSelected && option.state.testFlag(QStyle::State_HasFocus);
+    painter.setPen(hasFocus ? QPen(palette.accent, 1.5) : QPen(Qt::NoPen));
+    painter.setBrush(isSelected ? faded(palette.accent, selectionStrength) : palette.hover);
+    painter.drawRoundedRect(area, Metrics::rowRadius, Metrics::rowRadius);
+}
+
+enum class Elide { end, middle };
+
+/// Writes on one line and gives the width it took.
+int write(QPainter& painter, const QRect& area, const QString& text, const QColor& colour,
+          Qt::Alignment side = Qt::AlignLeft, Elide elide = Elide::end) {
+    if (area.width() <= 0 || text.isEmpty()) return 0;
+    const QFontMetrics metrics(painter.font());
+    const QString fitting = metrics.elidedText(
+        text, elide == Elide::end ? Qt::ElideRight : Qt::ElideMiddle, area.width());
+    painter.setPen(colour);
+    painter.drawText(area, static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine, fitting);
+    return metrics.horizontalAdvance(fitting);
+}
+
+QString joined(const QStringList& parts) {
+    QStringList filled;
+    for (const QString& part : parts) {
+        if (!part.isEmpty()) filled << part;
+    }
+    return filled.join(QString::fromUtf8(separator));
+}
+
+void paintBar(QPainter& painter, const QRect& area, double fill, const Palette& palette) {
+    const double radius = area.height() / 2.0;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette.hairline);
+    painter.drawRoundedRect(area, radius, radius);
+    QRectF filled = area;
+    filled.setWidth(std::clamp(fill, 0.0, 1.0) * area.width());
+    if (filled.width() < 1) return;
+    painter.setBrush(fill >= fullContext ? palette.warning : palette.secondary);
+    painter.drawRoundedRect(filled, radius, radius);
+}
+
+void paintStar(QPainter& painter, const QRectF& area, const QColor& colour) {
+    const DrawingBox box(painter, area, starSide, colour);
+    QPainterPath star;
+    for (int corner = 0; corner < 10; ++corner) {
+        const double radius = corner % 2 == 0 ? 5.6 : 2.4;
+        const double angle = corner * std::numbers::pi / 5;
+        const QPointF point(6 + radius * std::sin(angle), 6.4 - radius * std::cos(angle));
+        corner == 0 ? star.moveTo(point) : star.lineTo(point);
+    }
+    star.closeSubpath();
+    box.fill(star);
+}
+
+void paintChevron(QPainter& painter, const QRectF& area, bool isFolded, const QColor& colour) {
+    const DrawingBox box(painter, area, chevronSide, colour);
+    box.stroke(isFolded ? polyline({{3.5, 1.5}, {7, 5}, {3.5, 8.5}})
+                        : polyline({{1.5, 3.5}, {5, 7}, {8.5, 3.5}}),
+               1.5);
+}
+
+void paintName(QPainter& painter, const QRect& area, const SessionRow& row, const QFont& font,
+               const Palette& palette) {
+    painter.setFont(demandsAttention(row.state) ? emphasisedFont(font) : font);
+    const bool rests = row.state == SessionState::dormant;
+    const int starRoom = row.isFavorite ? starSide + Metrics::grid : 0;
+    const int width = write(painter, area.adjusted(0, 0, -starRoom, 0), row.name,
+                            rests ? palette.secondary : palette.text);
+    if (!row.isFavorite) return;
+    paintStar(painter,
+              QRectF(area.left() + width + Metrics::grid, area.center().y() - starSide / 2.0 + 0.5,
+                     starSide, starSide),
+              palette.secondary);
+}
+
+void paintOrigin(QPainter& painter, const QRect& area, const SessionRow& row,
+                 const Palette& palette) {
+    const int room = symbolSide + Metrics::grid;
+    const int width = write(painter, area.adjusted(room, 0, 0, 0), joined({row.model, row.host}),
+                            palette.secondary, Qt::AlignRight);
+    const double left = area.right() + 1 - width - room;
+    paintAgentSymbol(
+        painter, QRectF(left, area.center().y() - symbolSide / 2.0 + 0.5, symbolSide, symbolSide),
+        row.agentSymbol.toStdString(), palette.secondary);
+}
+
+}  // namespace
+
+void SessionRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                               const QModelIndex& index) const {
+    const auto row = index.data(FleetListModel::rowRole).value<SessionRow>();
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    QStyleOptionViewItem filled = option;
+    initStyleOption(&filled, index);
+    paintGround(*painter, filled, paletteOf(filled.palette));
+    if (row.kind == SessionRow::Kind::heading) {
+        paintHeading(*painter, filled, row);
+    } else {
+        paintSession(*painter, filled, row);
+    }
+    painter->restore();
+}
+
+void SessionRowDelegate::paintHeading(QPainter& painter, const QStyleOptionViewItem& option,
+                                      const SessionRow& row) const {
+    const Palette palette = paletteOf(option.palette);
+    const int height = QFontMetrics(option.font).height();
+    QRect line(option.rect.left() + Metrics::margin, option.rect.bottom() - height - Metrics::grid,
+               option.rect.width() - 2 * Metrics::margin, height);
+    const QRectF chevron(line.left() + (Metrics::glyphSide - chevronSide) / 2.0,
+                         line.center().y() - chevronSide / 2.0 + 0.5, chevronSide, chevronSide);
+    paintChevron(painter, chevron, row.isFolded, palette.secondary);
+    line.adjust(Metrics::glyphSide + Metrics::gap, 0, 0, 0);
+    painter.setFont(emphasisedFont(option.font));
+    line.adjust(write(painter, line, row.name, palette.text) + Metrics::gap, 0, 0, 0);
+    painter.setFont(smallFont(option.font));
+    const QString count = QString::number(row.count);
+    line.adjust(write(painter, line, count, palette.secondary) + Metrics::groupGap, 0, 0, 0);
+    write(painter, line, row.detail, palette.secondary, Qt::AlignLeft, Elide::middle);
+}
+
+void SessionRowDelegate::paintSession(QPainter& painter, const QStyleOptionViewItem& option,
+                                      const SessionRow& row) const {
+    const Palette palette = paletteOf(option.palette);
+    const RowGeometry geometry = rowGeometry(option.rect, rowDensity, textSizes(option.font));
+    paintStateGlyph(painter, geometry.glyph, row.state,
+                    stateColour(row.state, appearanceOf(option.palette)), turn);
+    paintName(painter, geometry.name, row, option.font, palette);
+    painter.setFont(smallFont(option.font));
+    paintDetail(painter, geometry.detail, row, palette);
+    const bool isWide = geometry.origin.width() > 0;
+    write(painter, geometry.place, joined({isWide ? row.path : row.project, row.branch}),
+          palette.secondary, Qt::AlignRight, Elide::middle);
+    if (isWide) paintOrigin(painter, geometry.origin, row, palette);
+    if (row.contextFill) paintBar(painter, geometry.bar, *row.contextFill, palette);
+    write(painter, geometry.time, row.elapsed, palette.secondary, Qt::AlignRight);
+}
+
+void SessionRowDelegate::paintDetail(QPainter& painter, const QRect& area, const SessionRow& row,
+                                     const Palette& palette) const {
+    const bool warns = row.isNotice || row.isStale;
+    const bool hasLead = !row.isNotice && stateLabels == StateLabels::shown;
+    const QString lead = hasLead ? row.stateLabel : QString();
+    QString text = row.detail;
+    if (!row.badges.isEmpty()) text = joined({text, row.badges.join(QString::fromUtf8(separator))});
+    if (lead.isEmpty() || text.isEmpty()) {
+        write(painter, area, lead + text, warns ? palette.warning : palette.secondary);
+        return;
+    }
+    const int width = write(painter, area, lead, palette.text);
+    write(painter, area.adjusted(width, 0, 0, 0), QString::fromUtf8(" — ") + text,
+          warns ? palette.warning : palette.secondary);
+}
+
+QSize SessionRowDelegate::sizeHint(const QStyleOptionViewItem& option,
+                                   const QModelIndex& index) const {
+    const RowTextSizes sizes = textSizes(option.font);
+    const bool isHeading = index.data(FleetListModel::headingRole).toBool();
+    return {0, isHeading ? headingHeight(sizes) : rowHeight(rowDensity, sizes)};
+}
+
+QRect SessionRowDelegate::glyphRect(const QStyleOptionViewItem& option, const QRect& row) const {
+    return rowGeometry(row, rowDensity, textSizes(option.font)).glyph;
+}
+
+}  // namespace fleetwise

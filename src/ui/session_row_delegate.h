@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ui/row_geometry.h"
+#include "ui/session_row.h"
+
+#include <QStyledItemDelegate>
+
+namespace fleetwise {
+
+struct Palette;
+
+/// Paints the rows of FleetListModel.
+class SessionRowDelegate final : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    enum class StateLabels { shown, hidden };
+
+    explicit SessionRowDelegate(QObject* parent = nullptr) : QStyledItemDelegate(parent) {}
+
+    void setDensity(Density density) { rowDensity = density; }
+
+    /// Whether rows tell their state in words; headings that tell it spare them that.
+    void setStateLabels(StateLabels labels) { stateLabels = labels; }
+
+    /// How far the rings of working sessions have turned, 0 to 1.
+    void setTurn(double share) { turn = share; }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+    /// Where a session's row that takes up `row` has its glyph.
+    QRect glyphRect(const QStyleOptionViewItem& option, const QRect& row) const;
+
+private:
+    void paintHeading(QPainter& painter, const QStyleOptionViewItem& option,
+                      const SessionRow& row) const;
+    void paintSession(QPainter& painter, const QStyleOptionViewItem& option,
+                      const SessionRow& row) const;
+    void paintDetail(QPainter& painter, const QRect& area, const SessionRow& row,
+                     const Palette& palette) const;
+
+    Density rowDensity = Density::compact;
+    StateLabels stateLabels = StateLabels::shown;
+    double turn = 0;
+};
+
+}  // namespace fleetwise

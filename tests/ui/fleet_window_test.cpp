@@ -1,0 +1,115 @@
+// The main window as its user meets it: keys, search, filters and the offer of the hook.
+
+#include "ui/fleet_window.h"
+
+#include "monitor/virtual_fleet.h"
+#include "ui/filter_bar.h"
+#include "ui/fleet_list_model.h"
+#include "ui/fleet_view.h"
+#include "ui/hook_banner.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QToolButton>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace fleetwise::testing {
+namespace {
+
+class FleetWindowTest : public ::testing::Test, protected VirtualFleet {
+protected:
+    FleetWindowTest() {
+        begin({session("a", SessionState::decision), session("b", SessionState::working),
+               session("z", SessionState::dormant)});
+        window.bringUp();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    FleetView& view() { return *window.findChild<FleetView*>(); }
+    void select(const char* id) { view().setCurrentIndex(model.indexOf(id)); }
+    void press(Qt::Key key) { QTest::keyClick(&view(), key); }
+    QPushButton& button(const QString& text) {
+        for (QPushButton* each : window.findChildren<QPushButton*>()) {
+            if (each->text() == text) return *each;
+        }
+        throw std::runtime_error("no button " + text.toStdString());
+    }
+
+    FleetListModel model{monitor, [this] { return monitor.groups(); }};
+    FleetWindow window{monitor, model};
+};
+
+TEST_F(FleetWindowTest, isWorkedByKeys) {
+    EXPECT_TRUE(view().hasFocus());
+    select("a");
+    press(Qt::Key_Return);
+    select("z");
+    press(Qt::Key_Return);
+    EXPECT_EQ(commands, (std::vector<std::string>{"focus a", "resume z"}));
+    press(Qt::Key_F);
+    EXPECT_EQ(settings.get(Settings::favoriteSessionIds), std::vector<std::string>{"z"});
+    press(Qt::Key_Delete);
+    EXPECT_EQ(settings.get(Settings::dismissedSessionIds), std::vector<std::string>{"z"});
+
+    select("decision");
+    press(Qt::Key_Left);
+    EXPECT_FALSE(model.indexOf("a").isValid());
+    press(Qt::Key_Right);
+    press(Qt::Key_Down);
+    EXPECT_EQ(view().currentIndex(), model.indexOf("a"));
+}
+
+TEST_F(FleetWindowTest, searchesAndFilters) {
+    auto& search = *window.findChild<QLineEdit*>();
+    QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(search.hasFocus());
+    QTest::keyClicks(&search, "entscheidung");
+    EXPECT_TRUE(model.indexOf("a").isValid());
+    EXPECT_FALSE(model.indexOf("b").isValid());
+    QTest::keyClick(&search, Qt::Key_Down);
+    EXPECT_TRUE(view().hasFocus());
+    EXPECT_EQ(view().currentIndex(), model.indexOf("a"));
+    QTest::keyClick(&search, Qt::Key_Escape);
+    EXPECT_TRUE(model.indexOf("b").isValid());
+
+    for (QToolButton* filter : window.findChildren<QToolButton*>()) {
+        if (filter->text() == "Arbeitet") filter->click();
+    }
+    EXPECT_EQ(settings.get(Settings::activeFilters), std::vector<std::string>{"working"});
+    EXPECT_FALSE(model.indexOf("a").isValid());
+    EXPECT_TRUE(model.indexOf("b").isValid());
+}
+
+TEST_F(FleetWindowTest, installsTheHookAfterASecondYes) {
+    auto& banner = *window.findChild<HookBanner*>();
+    ASSERT_TRUE(banner.isVisible());
+    button("Hook einrichten …").click();
+    finishAll();
+    EXPECT_FALSE(std::filesystem::exists(home.at("settings.json"))) << "asked, not yet told to";
+    button("Abbrechen").click();
+    button("Hook einrichten …").click();
+    button("Einrichten").click();
+    finishAll();
+    EXPECT_TRUE(std::filesystem::exists(home.at("settings.json")));
+    EXPECT_FALSE(banner.isVisible());
+}
+
+TEST_F(FleetWindowTest, saysWhyItIsEmptyAndStaysWithoutATray) {
+    monitor.setSearch("nowhere");
+    EXPECT_FALSE(view().isVisible());
+    window.setClosing(FleetWindow::Closing::minimises);
+    window.close();
+    EXPECT_TRUE(window.isVisible());
+    window.setClosing(FleetWindow::Closing::hides);
+    window.close();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_NE(settings.get(Settings::windowGeometry), "");
+    monitor.requestWindow();
+    EXPECT_TRUE(window.isVisible());
+}
+
+}  // namespace
+}  // namespace fleetwise::testing

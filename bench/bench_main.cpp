@@ -6,10 +6,14 @@
 //
 // fleetwise-bench hook PROGRAM [N]: times the hook program against /bin/true and others, N times
 // each (100 unless given); see hook_bench.h.
+//
+// fleetwise-bench live HOME HOOK [N]: times N events (200 unless given) from the start of the hook
+// program to the list that shows them; see live_bench.h.
 
 #include "app/machine_sources.h"
 #include "foundation/user_defaults.h"
 #include "hook_bench.h"
+#include "live_bench.h"
 #include "monitor/settings.h"
 #include "sources/paths.h"
 
@@ -28,6 +32,7 @@ namespace {
 
 constexpr int usualPasses = 20;
 constexpr int usualHookRuns = 100;
+constexpr int usualEvents = 200;
 
 struct Measurement {
     double milliseconds = 0;
@@ -92,8 +97,11 @@ int benchPass(const std::string& home, int repetitions) {
 }
 
 int usage() {
-    std::fputs("usage: fleetwise-bench pass HOME [N]\n       fleetwise-bench hook PROGRAM [N]\n",
-               stderr);
+    std::fputs(
+        "usage: fleetwise-bench pass HOME [N]\n"
+        "       fleetwise-bench hook PROGRAM [N]\n"
+        "       fleetwise-bench live HOME PROGRAM [N]\n",
+        stderr);
     return 2;
 }
 
@@ -102,23 +110,48 @@ int missing(const std::string& path, const char* kind) {
     return 1;
 }
 
+std::string absolute(const std::string& path) {
+    return std::filesystem::absolute(path).string();
+}
+
+/// The number at `position`, or the usual one where there is none; 0 for what is no number.
+int countAt(const std::vector<std::string>& given, std::size_t position, int usual) {
+    return given.size() > position ? std::atoi(given[position].c_str()) : usual;
+}
+
+int runPass(const std::vector<std::string>& given) {
+    const int passes = countAt(given, 2, usualPasses);
+    if (passes < 1) return usage();
+    const std::string home = absolute(given[1]);
+    return std::filesystem::is_directory(home) ? benchPass(home, passes) : missing(home, "folder");
+}
+
+int runHook(const std::vector<std::string>& given) {
+    const int runs = countAt(given, 2, usualHookRuns);
+    if (runs < 1) return usage();
+    const std::string hook = absolute(given[1]);
+    return std::filesystem::is_regular_file(hook) ? benchHook(hook, runs)
+                                                  : missing(hook, "program");
+}
+
+int runLive(const std::vector<std::string>& given) {
+    const int events = countAt(given, 3, usualEvents);
+    if (given.size() < 3 || events < 1) return usage();
+    const std::string home = absolute(given[1]);
+    const std::string hook = absolute(given[2]);
+    if (!std::filesystem::is_directory(home)) return missing(home, "folder");
+    return std::filesystem::is_regular_file(hook) ? benchLive(home, hook, events)
+                                                  : missing(hook, "program");
+}
+
 }  // namespace
 }  // namespace fleetwise
 
 int main(int argumentCount, char** arguments) {
     using namespace fleetwise;
     const std::vector<std::string> given(arguments + 1, arguments + argumentCount);
-    if (given.size() < 2 || given.size() > 3) return usage();
-    const bool isHook = given[0] == "hook";
-    if (!isHook && given[0] != "pass") return usage();
-    const int usual = isHook ? usualHookRuns : usualPasses;
-    const int repetitions = given.size() == 3 ? std::atoi(given[2].c_str()) : usual;
-    if (repetitions < 1) return usage();
-    const std::string path = std::filesystem::absolute(given[1]).string();
-    if (isHook) {
-        return std::filesystem::is_regular_file(path) ? benchHook(path, repetitions)
-                                                      : missing(path, "program");
-    }
-    return std::filesystem::is_directory(path) ? benchPass(path, repetitions)
-                                               : missing(path, "folder");
+    if (given.size() < 2) return usage();
+    if (given[0] == "pass") return runPass(given);
+    if (given[0] == "hook") return runHook(given);
+    return given[0] == "live" ? runLive(given) : usage();
 }

@@ -1,5 +1,6 @@
 #include "app/command_line.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -11,25 +12,27 @@ constexpr std::array<std::pair<std::string_view, Job>, 11> switches{{
     {"--dump", Job::report},
     {"--install-hooks", Job::installHooks},
     {"--uninstall-hooks", Job::uninstallHooks},
-    {"--selftest", Job::notAvailable},
-    {"--verify-licence", Job::notAvailable},
-    {"--write-iconset", Job::notAvailable},
-    {"--write-og-image", Job::notAvailable},
-    {"--write-dmg-background", Job::notAvailable},
-    {"--check-dmg-background", Job::notAvailable},
-    {"--dmg-layout", Job::notAvailable},
-    {"--stall-probe", Job::notAvailable},
+    {"--write-iconset", Job::writeIconset},
+    {"--write-og-image", Job::writeSocialImage},
+    {"--write-dmg-background", Job::writeDiskBackground},
+    {"--check-dmg-background", Job::checkDiskBackground},
+    {"--dmg-layout", Job::printDiskLayout},
+    {"--verify-licence", Job::verifyLicence},
+    {"--selftest", Job::selfTest},
+    {"--stall-probe", Job::stallProbe},
 }};
 
 }  // namespace
 
 Command parseCommand(const std::vector<std::string>& arguments) {
-    if (arguments.empty() || !arguments.front().starts_with("--")) return {};
-    const std::string& argument = arguments.front();
-    for (const auto& [name, job] : switches) {
-        if (argument == name) return {job, argument};
-    }
-    return {Job::unknownSwitch, argument};
+    if (arguments.empty()) return {};
+    Command command{.name = arguments.front()};
+    if (!command.name.starts_with("--")) return command;
+    if (arguments.size() > 1) command.argument = arguments[1];
+    const auto known = std::find_if(switches.begin(), switches.end(),
+                                    [&](const auto& entry) { return entry.first == command.name; });
+    command.job = known == switches.end() ? Job::unknownSwitch : known->second;
+    return command;
 }
 
 std::string unknownSwitchMessage(std::string_view argument) {

@@ -2,16 +2,13 @@
 
 #include "app/environment.h"
 #include "localisation/localisation.h"
-#include "sources/hook_installer.h"
 #include "sources/paths.h"
 
 #include <fmt/format.h>
 
 namespace fleetwise {
 
-namespace {
-
-HookInstaller::Places placesOfThisUser() {
+HookInstaller::Places hookPlacesOfThisUser() {
     return {.settingsFile = Paths::settingsFile(),
             .stateDir = Paths::stateDir(),
             .statusDir = Paths::statusDir(),
@@ -19,10 +16,8 @@ HookInstaller::Places placesOfThisUser() {
             .bundledHook = bundledHook()};
 }
 
-}  // namespace
-
 tl::expected<std::string, std::string> installHooks() {
-    const auto places = placesOfThisUser();
+    const auto places = hookPlacesOfThisUser();
     const auto backup = HookInstaller::install(places, currentDate());
     if (!backup) return tl::unexpected(installErrorText(backup.error()));
     const std::string events = fmt::format("{}", fmt::join(HookInstaller::events, ", "));
@@ -33,7 +28,7 @@ tl::expected<std::string, std::string> installHooks() {
 }
 
 tl::expected<std::string, std::string> uninstallHooks() {
-    const auto backup = HookInstaller::uninstall(placesOfThisUser(), currentDate());
+    const auto backup = HookInstaller::uninstall(hookPlacesOfThisUser(), currentDate());
     if (!backup) return tl::unexpected(installErrorText(backup.error()));
     return localised("Hooks von fleetwise entfernt. Fremde Hooks blieben unberührt."_text) + "\n";
 }

@@ -1,10 +1,15 @@
 #pragma once
 
+#include "sources/hook_installer.h"
+
 #include <tl/expected.hpp>
 
 #include <string>
 
 namespace fleetwise {
+
+/// Where the hook, its entries and what it writes are for this user.
+HookInstaller::Places hookPlacesOfThisUser();
 
 /// Installs the hook program of this program and its entries for this user. Returns what to tell
 /// the user, or what went wrong, in the interface language.

@@ -1,55 +1,26 @@
 #include "app/command_line.h"
-#include "app/hook_jobs.h"
-#include "app/report_job.h"
-#include "localisation/localisation.h"
-#include "monitor/settings.h"
-#include "platform/qt_user_defaults.h"
-
-#include <QCoreApplication>
+#include "app/fleet_application.h"
+#include "app/jobs.h"
 
 #include <cstdio>
 
 namespace {
-
-using namespace fleetwise;
 
 void print(std::FILE* stream, const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stream);
     std::fflush(stream);
 }
 
-/// What the job tells the user, or what went wrong.
-tl::expected<std::string, std::string> run(const Command& command) {
-    QtUserDefaults defaults;
-    const LanguageChoice language = chooseLanguage(Settings(defaults).get(Settings::language));
-    switch (command.job) {
-        case Job::installHooks:
-            return installHooks();
-        case Job::uninstallHooks:
-            return uninstallHooks();
-        case Job::notAvailable:
-            return tl::unexpected(localisedFormat("%@ ist in dieser Version nicht enthalten."_text,
-                                                  command.argument));
-        default:
-            // Without a window yet, the report is what the program has to show in either case.
-            return runReport(defaults, language);
-    }
-}
-
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+    using namespace fleetwise;
     const Command command = parseCommand({arguments + 1, arguments + argumentCount});
-    if (command.job == Job::unknownSwitch) {
-        print(stderr, unknownSwitchMessage(command.argument));
-        return 2;
+    if (command.job == Job::application) {
+        return runApplication(argumentCount, arguments, command.name);
     }
-    const QCoreApplication application(argumentCount, arguments);
-    const auto told = run(command);
-    if (!told) {
-        print(stderr, localisedFormat("Fehler: %@"_text, told.error()) + "\n");
-        return 1;
-    }
-    print(stdout, *told);
-    return 0;
+    const JobResult result = runJob(command, argumentCount, arguments);
+    print(stdout, result.output);
+    print(stderr, result.errors);
+    return result.exitStatus;
 }

@@ -21,12 +21,16 @@ TEST(CommandLine, readsTheFirstArgumentOnly) {
         {"unknown", {"--wolke"}, Job::unknownSwitch},
         {"a switch is matched whole", {"--dumpling"}, Job::unknownSwitch},
         {"two dashes alone", {"--"}, Job::unknownSwitch},
-        {"not in this version", {"--selftest"}, Job::notAvailable},
+        {"checks", {"--selftest"}, Job::selfTest},
+        {"the address comes first", {"fleetwise://x", "--selftest"}, Job::application},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(parseCommand(row.arguments).job, row.job);
     }
+    EXPECT_EQ(parseCommand({"--write-iconset", "/tmp/a b", "c"}).argument, "/tmp/a b");
+    EXPECT_EQ(parseCommand({"--write-iconset"}).argument, "");
+    EXPECT_EQ(parseCommand({"fleetwise://activate/x"}).name, "fleetwise://activate/x");
 }
 
 TEST(CommandLine, refusesAnUnknownSwitchInFixedWords) {

@@ -5,13 +5,17 @@ presets := dev release asan tsan fuzz bench
 configured := $(presets:%=configure-%)
 built := $(presets:%=build-%)
 
-.PHONY: run test install bench asan tsan fuzz format format-check tidy clean
+.PHONY: run demo test install bench asan tsan fuzz format format-check tidy clean
 .PHONY: packages check-packages $(configured) $(built)
 .NOTPARALLEL:
 
 # Without a display the program prints its report.
 run: build-release
-	build/release/bin/fleetwise --dump
+	build/release/bin/fleetwise $(if $(DISPLAY)$(WAYLAND_DISPLAY),,--dump)
+
+# The application on a fleet of its own making, in a home folder of its own.
+demo: build-release
+	build/release/bin/fleetwise-demo
 
 test: build-dev
 	ctest --preset dev

@@ -42,6 +42,11 @@ void printTimings(Output out, const Diagnostics& diagnostics) {
     for (const auto& [phase, milliseconds] : timings) {
         fmt::format_to(out, "           {:6.1f} ms  {}\n", milliseconds, phase);
     }
+    if (!diagnostics.watchesFolders) {
+        fmt::format_to(out,
+                       "           Überwachung: Grenze des Systems erreicht, Änderungen zeigen "
+                       "sich erst beim nächsten Durchgang (alle 5 s)\n");
+    }
     for (const auto& [source, skipped] : diagnostics.collection.skipped) {
         fmt::format_to(out,
                        "           übersprungen: {} – {} keine gewöhnliche Datei, {} zu groß, "

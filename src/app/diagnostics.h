@@ -23,6 +23,8 @@ struct Diagnostics {
 
     LanguageChoice language;
 
+    bool watchesFolders = true;  ///< or the system's limit of watches is reached
+
     double firstMilliseconds = 0;  ///< of the first pass
     double warmMilliseconds = 0;   ///< of a second pass right after it
     std::vector<FleetSnapshot::Timing> timings;

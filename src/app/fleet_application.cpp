@@ -41,7 +41,7 @@ public:
     FleetApplication(QApplication& application, UserDefaults& defaults, Settings& settings)
         : live(defaults, settings),
           interface(live.fleet(), application),
-          termination(onTermination([] { QApplication::quit(); })) {}
+          termination(onTermination([] { QApplication::exit(); })) {}
 
     void start(const std::string& address) {
         interface.start();

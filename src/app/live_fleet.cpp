@@ -32,10 +32,9 @@ FleetMonitor::Environment LiveFleet::environment() {
     return {
         .loop = loop,
         .settings = settings,
-        .collect =
-            [this, sources = machine.sources()](const FleetSnapshot::Input& input, Date now) {
-                return FleetSnapshot::collect(input, sources, shared, now);
-            },
+        .collect = [this, sources = machine.sources()](
+                       const FleetSnapshot::Input& input,
+                       Date now) { return FleetSnapshot::collect(input, sources, shared, now); },
         .hook = hookPlacesOfThisUser(),
         .sessionsDirectory = Paths::sessionsDir(),
         .ensureStateDirectories = ensureStateDirectories,

@@ -5,6 +5,7 @@
 #include "app/machine_sources.h"
 #include "fleet/remembered_hosts.h"
 #include "monitor/settings.h"
+#include "platform/directory_watcher.h"
 #include "sources/hook_installer.h"
 #include "sources/host_app_memory.h"
 #include "sources/paths.h"
@@ -53,6 +54,10 @@ std::string runReport(UserDefaults& defaults, const LanguageChoice& language) {
     // Only an installed copy is renewed, so only that can be out of date.
     diagnostics.hookIsCurrent = !diagnostics.hooksInstalled ||
                                 HookInstaller::isCurrent(bundledHook(), Paths::installedHook());
+    const auto isWatched = [](const std::string& directory) {
+        return watchProblem(directory) != WatchProblem::limitReached;
+    };
+    diagnostics.watchesFolders = isWatched(Paths::statusDir()) && isWatched(Paths::sessionsDir());
     diagnostics.stalls = loadStalls(Paths::stallsFile());
     diagnostics.language = language;
     collectFleet(diagnostics, settings);

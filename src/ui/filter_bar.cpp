@@ -1,5 +1,6 @@
 #include "ui/filter_bar.h"
 
+#include "ui/chip_button.h"
 #include "ui/interface_text.h"
 #include "ui/row_geometry.h"
 #include "ui/theme.h"
@@ -9,7 +10,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QSignalBlocker>
-#include <QToolButton>
 
 namespace fleetwise {
 
@@ -24,7 +24,10 @@ QString named(std::string_view raw) {
 }  // namespace
 
 FilterBar::FilterBar(FleetMonitor& givenMonitor, QWidget* parent)
-    : QWidget(parent), monitor(givenMonitor), search(new QLineEdit), density(new QToolButton) {
+    : QWidget(parent),
+      monitor(givenMonitor),
+      search(new QLineEdit),
+      density(new ChipButton(shown("Zweizeilig"_text))) {
     search->setPlaceholderText(shown("Suchen"_text));
     search->setAccessibleName(shown("Sitzungen suchen"_text));
     search->setToolTip(shown("Name, Pfad, Branch, Anwendung, Modell, Meldung (Strg+F)"_text));
@@ -35,8 +38,6 @@ FilterBar::FilterBar(FleetMonitor& givenMonitor, QWidget* parent)
             [this](const QString& text) { monitor.setSearch(text.toStdString()); });
     grouping = modeBox(allGroupModes, Settings::groupMode, shown("Gruppieren nach"_text));
     order = modeBox(allSortModes, Settings::sortMode, shown("Sortieren nach"_text));
-    density->setCheckable(true);
-    density->setText(shown("Zweizeilig"_text));
     connect(density, &QToolButton::toggled, this, [this](bool isComfortable) {
         monitor.change(Settings::density, isComfortable ? "comfortable" : "compact");
     });
@@ -62,9 +63,7 @@ FilterBar::~FilterBar() {
 
 void FilterBar::makeFilters() {
     for (const ListFilter filter : allListFilters) {
-        auto* button = new QToolButton;
-        button->setCheckable(true);
-        button->setText(qtText(label(filter)));
+        auto* button = new ChipButton(qtText(label(filter)));
         connect(button, &QToolButton::clicked, this,
                 [this, filter] { monitor.toggleFilter(filter); });
         filters.emplace(filter, button);

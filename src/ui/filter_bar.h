@@ -8,9 +8,10 @@
 
 class QComboBox;
 class QLineEdit;
-class QToolButton;
 
 namespace fleetwise {
+
+class ChipButton;
 
 /// What the list shows and how: search, filters, grouping, order and density.
 class FilterBar final : public QWidget, private FleetMonitor::Observer {
@@ -40,10 +41,10 @@ private:
 
     FleetMonitor& monitor;
     QLineEdit* search;
-    std::map<ListFilter, QToolButton*> filters;
+    std::map<ListFilter, ChipButton*> filters;
     QComboBox* grouping;
     QComboBox* order;
-    QToolButton* density;
+    ChipButton* density;
 };
 
 }  // namespace fleetwise

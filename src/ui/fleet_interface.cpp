@@ -34,6 +34,8 @@ FleetInterface::FleetInterface(FleetMonitor& givenMonitor, QApplication& givenAp
       window(monitor, listModel),
       popover(glanceModel, glanceDelegate) {
     glanceDelegate.setDensity(Density::comfortable);
+    // A panel need not have the colours of the windows, and does not tell its own.
+    tray.setStyle(MarkStyle::badge, Appearance::dark);
     connectTray();
     connectPopover();
     settingsChanged();
@@ -56,7 +58,8 @@ void FleetInterface::start() {
 void FleetInterface::connectTray() {
     connect(&tray, &TrayItem::popoverWanted, &popover, &FleetPopover::toggle);
     connect(&tray, &TrayItem::windowWanted, &window, &FleetWindow::bringUp);
-    connect(&tray, &TrayItem::quitWanted, &application, &QApplication::quit);
+    // Not quit(), which any window can refuse by not closing.
+    connect(&tray, &TrayItem::quitWanted, &application, [] { QApplication::exit(); });
     connect(&tray, &TrayItem::availabilityChanged, this, &FleetInterface::followTray);
 }
 
@@ -86,7 +89,6 @@ void FleetInterface::applyAppearance() {
     const std::string mode = monitor.settings().get(Settings::appearanceMode);
     const QPalette wanted = applicationPalette(appearanceFor(mode, desktopPalette), desktopPalette);
     if (wanted != QApplication::palette()) QApplication::setPalette(wanted);
-    tray.setStyle(MarkStyle::coloured, appearanceOf(desktopPalette));
 }
 
 void FleetInterface::fleetChanged() {
@@ -102,7 +104,9 @@ void FleetInterface::showMark() {
     figures = shownFigures(std::move(figures), markChoices(monitor.settings()));
     tray.setFigures(figures);
     tray.setToolTip(qtText(markTooltip({.working = working, .attention = attention})));
-    window.setWindowIcon(markIcon(figures, MarkStyle::coloured, appearanceOf(desktopPalette)));
+    if (figures == shownMark && !window.windowIcon().isNull()) return;
+    shownMark = figures;
+    window.setWindowIcon(markIcon(figures, MarkStyle::badge, Appearance::dark));
 }
 
 void FleetInterface::hookChanged() {

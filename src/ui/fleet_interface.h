@@ -48,6 +48,7 @@ private:
     FleetWindow window;
     FleetPopover popover;
     TrayItem tray;
+    MarkFigures shownMark;
 };
 
 }  // namespace fleetwise

@@ -47,6 +47,7 @@ FleetWindow::FleetWindow(FleetMonitor& givenMonitor, FleetListModel& givenModel)
 }
 
 FleetWindow::~FleetWindow() {
+    if (isVisible()) storeGeometry();
     monitor.removeObserver(*this);
 }
 
@@ -74,7 +75,7 @@ void FleetWindow::addShortcuts() {
     add(QKeySequence::Find, [this] { filterBar->focusSearch(); });
     add(QKeySequence::Refresh, [this] { monitor.refresh(); });
     add(QKeySequence::Close, [this] { close(); });
-    add(QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QApplication::quit(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QApplication::exit(); });
     connect(filterBar, &FilterBar::leftSearch, this, [this] {
         view->setFocus(Qt::ShortcutFocusReason);
         view->selectSomething();
@@ -87,8 +88,12 @@ void FleetWindow::restoreGeometryOnce() {
     resize(initialSize);
 }
 
-void FleetWindow::hideEvent(QHideEvent* event) {
+void FleetWindow::storeGeometry() {
     monitor.store(Settings::windowGeometry, saveGeometry().toBase64().toStdString());
+}
+
+void FleetWindow::hideEvent(QHideEvent* event) {
+    storeGeometry();
     QWidget::hideEvent(event);
 }
 

@@ -45,6 +45,7 @@ private:
     void layOut();
     void addShortcuts();
     void restoreGeometryOnce();
+    void storeGeometry();
     void showSummary();
     QString emptyText() const;
 

@@ -28,7 +28,7 @@ struct Ring {
 
 /// Everything in device pixels, the middle of the mark at (0, 0).
 struct Layout {
-    explicit Layout(double side) {
+    explicit Layout(double givenSide) : side(givenSide) {
         outer.width = std::max(2.0, std::round(side * 0.09));
         outer.radius = side / 2 - 0.5 - outer.width / 2;
         const double gap = std::max(1.0, std::round(side * 0.04));
@@ -40,6 +40,7 @@ struct Layout {
         hasTwoRings = side >= smallestForTwoRings;
     }
 
+    double side = 0;
     Ring outer;
     Ring inner;
     double dotRadius = 0;
@@ -49,8 +50,11 @@ struct Layout {
 };
 
 struct Colours {
-    Colours(MarkStyle givenStyle, Appearance givenPanel) : style(givenStyle), panel(givenPanel) {
-        text = paletteOf(panel, QPalette()).text;
+    Colours(MarkStyle givenStyle, Appearance givenPanel)
+        : style(givenStyle), panel(style == MarkStyle::badge ? Appearance::dark : givenPanel) {
+        const Palette palette = paletteOf(panel, QPalette());
+        text = palette.text;
+        ground = palette.ground;
     }
 
     QColor of(SessionState state) const {
@@ -71,6 +75,7 @@ struct Colours {
     MarkStyle style;
     Appearance panel;
     QColor text;
+    QColor ground;  ///< of a badge
 };
 
 /// The part of the ring from noon clockwise, from one share of it to another.
@@ -117,6 +122,7 @@ public:
           colours(givenColours) {}
 
     void draw() const {
+        if (colours.style == MarkStyle::badge) fill(circle({}, layout.side / 2), colours.ground);
         drawRings();
         drawCentre();
         if (figures.needsAttention) {

@@ -25,6 +25,7 @@ struct MarkFigures {
 
 enum class MarkStyle {
     coloured,
+    badge,     ///< coloured, on a dark disc of its own, for panels of a colour we cannot know
     symbolic,  ///< in the one colour of the panel's text
 };
 
@@ -32,7 +33,7 @@ enum class MarkStyle {
 /// within it one of seven days, around the count of working sessions. Without a count the centre
 /// shows when the five hours start anew; with one, a notch in the outer ring does. Below 20 device
 /// pixels the two rings are one, of the quota that is used up further. `panel` is what the mark
-/// stands on; nothing is painted where the mark is not.
+/// stands on, of no matter to a badge; nothing is painted where the mark is not.
 void paintMark(QPainter& painter, const QRectF& area, const MarkFigures& figures, MarkStyle style,
                Appearance panel);
 

@@ -21,6 +21,8 @@ namespace {
 
 constexpr double fullContext = 0.8;  ///< from here on the bar warns
 constexpr double selectionStrength = 0.16;
+constexpr int roomForBranch = 130;
+constexpr int roomForPath = 180;
 constexpr int chevronSide = 10;
 constexpr int starSide = 12;
 constexpr int symbolSide = 12;
@@ -71,6 +73,12 @@ QString joined(const QStringList& parts) {
         if (!part.isEmpty()) filled << part;
     }
     return filled.join(QString::fromUtf8(separator));
+}
+
+/// As much of where a session works as the width has room for.
+QString placeText(const SessionRow& row, int width) {
+    if (width < roomForBranch) return row.project;
+    return joined({width < roomForPath ? row.project : row.path, row.branch});
 }
 
 void paintBar(QPainter& painter, const QRect& area, double fill, const Palette& palette) {
@@ -175,10 +183,9 @@ void SessionRowDelegate::paintSession(QPainter& painter, const QStyleOptionViewI
     paintName(painter, geometry.name, row, option.font, palette);
     painter.setFont(smallFont(option.font));
     paintDetail(painter, geometry.detail, row, palette);
-    const bool isWide = geometry.origin.width() > 0;
-    write(painter, geometry.place, joined({isWide ? row.path : row.project, row.branch}),
-          palette.secondary, Qt::AlignRight, Elide::middle);
-    if (isWide) paintOrigin(painter, geometry.origin, row, palette);
+    write(painter, geometry.place, placeText(row, geometry.place.width()), palette.secondary,
+          Qt::AlignRight, Elide::middle);
+    if (!geometry.origin.isEmpty()) paintOrigin(painter, geometry.origin, row, palette);
     if (row.contextFill) paintBar(painter, geometry.bar, *row.contextFill, palette);
     write(painter, geometry.time, row.elapsed, palette.secondary, Qt::AlignRight);
 }
@@ -194,7 +201,8 @@ void SessionRowDelegate::paintDetail(QPainter& painter, const QRect& area, const
         write(painter, area, lead + text, warns ? palette.warning : palette.secondary);
         return;
     }
-    const int width = write(painter, area, lead, palette.text);
+    const bool rests = row.state == SessionState::dormant;
+    const int width = write(painter, area, lead, rests ? palette.secondary : palette.text);
     write(painter, area.adjusted(width, 0, 0, 0), QString::fromUtf8(" — ") + text,
           warns ? palette.warning : palette.secondary);
 }

@@ -3,6 +3,7 @@
 #include "ui/fleet_window.h"
 
 #include "monitor/virtual_fleet.h"
+#include "ui/chip_button.h"
 #include "ui/filter_bar.h"
 #include "ui/fleet_list_model.h"
 #include "ui/fleet_view.h"
@@ -11,7 +12,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
-#include <QToolButton>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -75,7 +75,7 @@ TEST_F(FleetWindowTest, searchesAndFilters) {
     QTest::keyClick(&search, Qt::Key_Escape);
     EXPECT_TRUE(model.indexOf("b").isValid());
 
-    for (QToolButton* filter : window.findChildren<QToolButton*>()) {
+    for (ChipButton* filter : window.findChildren<ChipButton*>()) {
         if (filter->text() == "Arbeitet") filter->click();
     }
     EXPECT_EQ(settings.get(Settings::activeFilters), std::vector<std::string>{"working"});

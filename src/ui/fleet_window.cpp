@@ -121,7 +121,9 @@ void FleetWindow::settingsChanged() {
 
 void FleetWindow::fleetChanged() {
     const bool isEmpty = monitor.groups().empty();
+    const bool begins = !isEmpty && view->isHidden() && monitor.search().empty();
     view->setVisible(!isEmpty);
+    if (begins) view->setFocus();
     empty->setVisible(isEmpty);
     if (isEmpty) empty->setText(emptyText());
     if (!tellingEnds.isActive()) showSummary();

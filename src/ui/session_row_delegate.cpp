@@ -23,6 +23,7 @@ constexpr double fullContext = 0.8;  ///< from here on the bar warns
 constexpr double selectionStrength = 0.16;
 constexpr int roomForBranch = 130;
 constexpr int roomForPath = 180;
+constexpr int chipPadding = 5;
 constexpr int chevronSide = 10;
 constexpr int starSide = 12;
 constexpr int symbolSide = 12;
@@ -79,6 +80,41 @@ QString joined(const QStringList& parts) {
 QString placeText(const SessionRow& row, int width) {
     if (width < roomForBranch) return row.project;
     return joined({width < roomForPath ? row.project : row.path, row.branch});
+}
+
+/// The first of the texts that fit side by side as chips, and the room they take.
+struct Chips {
+    QStringList texts;
+    int width = 0;
+};
+
+int chipWidth(const QString& text, const QFontMetrics& metrics) {
+    return metrics.horizontalAdvance(text) + 2 * chipPadding;
+}
+
+Chips fittingChips(const QStringList& texts, const QFontMetrics& metrics, int room) {
+    Chips chips;
+    for (const QString& text : texts) {
+        const int width = chips.width + Metrics::gap + chipWidth(text, metrics);
+        if (width > room) break;
+        chips.texts << text;
+        chips.width = width;
+    }
+    return chips;
+}
+
+void paintChips(QPainter& painter, QPoint place, int height, const QStringList& texts,
+                const Palette& palette) {
+    for (const QString& text : texts) {
+        const QRect chip(place, QSize(chipWidth(text, painter.fontMetrics()), height));
+        painter.setPen(palette.hairline);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(chip).adjusted(0.5, 0.5, -0.5, -0.5), Metrics::grid,
+                                Metrics::grid);
+        painter.setPen(palette.secondary);
+        painter.drawText(chip, Qt::AlignCenter, text);
+        place.rx() += chip.width() + Metrics::grid;
+    }
 }
 
 void paintBar(QPainter& painter, const QRect& area, double fill, const Palette& palette) {
@@ -195,16 +231,16 @@ void SessionRowDelegate::paintDetail(QPainter& painter, const QRect& area, const
     const bool warns = row.isNotice || row.isStale;
     const bool hasLead = !row.isNotice && stateLabels == StateLabels::shown;
     const QString lead = hasLead ? row.stateLabel : QString();
-    QString text = row.detail;
-    if (!row.badges.isEmpty()) text = joined({text, row.badges.join(QString::fromUtf8(separator))});
-    if (lead.isEmpty() || text.isEmpty()) {
-        write(painter, area, lead + text, warns ? palette.warning : palette.secondary);
-        return;
-    }
     const bool rests = row.state == SessionState::dormant;
-    const int width = write(painter, area, lead, rests ? palette.secondary : palette.text);
-    write(painter, area.adjusted(width, 0, 0, 0), QString::fromUtf8(" — ") + text,
-          warns ? palette.warning : palette.secondary);
+    const auto chips = fittingChips(row.badges, painter.fontMetrics(), area.width() / 2);
+    QRect rest = area.adjusted(0, 0, -chips.width, 0);
+    rest.adjust(write(painter, rest, lead, rests ? palette.secondary : palette.text), 0, 0, 0);
+    const QString dash = lead.isEmpty() || row.detail.isEmpty() ? "" : QString::fromUtf8(" — ");
+    rest.adjust(
+        write(painter, rest, dash + row.detail, warns ? palette.warning : palette.secondary), 0, 0,
+        0);
+    if (rest.left() > area.left()) rest.adjust(Metrics::gap, 0, 0, 0);
+    paintChips(painter, rest.topLeft(), area.height(), chips.texts, palette);
 }
 
 QSize SessionRowDelegate::sizeHint(const QStyleOptionViewItem& option,

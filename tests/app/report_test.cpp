@@ -9,7 +9,6 @@
 namespace fleetwise::testing {
 namespace {
 
-using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 
 TEST(Report, saysInItsFixedWordsWhatWasRead) {
@@ -47,16 +46,6 @@ TEST(Report, listsRecordedSessionsAndStalls) {
     EXPECT_THAT(report.output, HasSubstr("    Statistik: Kontext 9 % von 200.000, 3 Antworten, "
                                          "1 Tool-Aufrufe, Ausgabe 363\n"));
     EXPECT_THAT(report.output, HasSubstr("0 aktiv, 1 ruhend, 0 brauchen Aufmerksamkeit\n"));
-}
-
-TEST(Program, refusesWhatItCannotDo) {
-    const TemporaryDirectory home;
-    const ProgramRun unknown = run(home, "--wolke");
-    EXPECT_EQ(unknown.exitStatus, 2);
-    EXPECT_THAT(unknown.errors, HasSubstr("Fleetwise: unbekannter Schalter --wolke\nBekannt"));
-    const ProgramRun later = run(home, "--selftest");
-    EXPECT_EQ(later.exitStatus, 1);
-    EXPECT_THAT(later.errors, ContainsRegex("^Fehler: --selftest"));
 }
 
 }  // namespace

@@ -15,8 +15,13 @@
 
 #include <QApplication>
 #include <QCryptographicHash>
+#include <QLibraryInfo>
+#include <QTranslator>
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <thread>
 
 namespace fleetwise {
 
@@ -25,11 +30,13 @@ namespace {
 constexpr std::string_view activationAddress = "fleetwise://activate/";
 constexpr qsizetype homeDigits = 16;
 
-/// One application for each home folder, so that a demonstration in a folder of its own runs
-/// beside the user's.
+constexpr std::chrono::seconds patienceAtEnd{2};
+
+/// Where the desktop keeps such things, or else with our own files. Each home folder has its own:
+/// a demonstration in another one runs beside the user's.
 std::string instanceSocket() {
     const auto runtimeFolder = environmentVariable("XDG_RUNTIME_DIR");
-    if (!runtimeFolder || runtimeFolder->empty()) return Paths::stateDir() + "/fleetwise.socket";
+    if (!runtimeFolder || runtimeFolder->empty()) return Paths::stateDir() + "/application.socket";
     const QByteArray digest = QCryptographicHash::hash(QByteArray::fromStdString(Paths::home()),
                                                        QCryptographicHash::Sha256);
     return *runtimeFolder + "/fleetwise-" + digest.toHex().left(homeDigits).toStdString();
@@ -44,8 +51,8 @@ public:
           termination(onTermination([] { QApplication::exit(); })) {}
 
     void start(const std::string& address) {
-        interface.start();
         live.fleet().start();
+        interface.start();
         open(address);
     }
 
@@ -72,6 +79,32 @@ private:
     std::unique_ptr<MainLoop::Subscription> termination;
 };
 
+/// The toolkit ends the process by itself when the display goes away. What is remembered is
+/// written nevertheless.
+class FlushAtExit {
+public:
+    explicit FlushAtExit(FleetApplication& fleet) {
+        running = &fleet;
+        std::atexit([] {
+            if (running != nullptr) running->flush();
+        });
+    }
+    FlushAtExit(const FlushAtExit&) = delete;
+    FlushAtExit& operator=(const FlushAtExit&) = delete;
+    ~FlushAtExit() { running = nullptr; }
+
+private:
+    static inline FleetApplication* running = nullptr;
+};
+
+/// A pass that waits for a disk that does not answer must not keep the program from ending.
+void endInTime(int status) {
+    std::thread([status] {
+        std::this_thread::sleep_for(patienceAtEnd);
+        std::_Exit(status);
+    }).detach();
+}
+
 }  // namespace
 
 int runApplication(int& argumentCount, char** arguments, const std::string& address) {
@@ -86,9 +119,14 @@ int runApplication(int& argumentCount, char** arguments, const std::string& addr
     QtUserDefaults defaults;
     Settings settings(defaults);
     settings.adoptSettingsFromPreviousName(QtUserDefaults::ofPreviousName());
-    chooseLanguage(settings.get(Settings::language));
+    const LanguageChoice language = chooseLanguage(settings.get(Settings::language));
+    QTranslator toolkitTexts;
+    if (toolkitTexts.load(QString::fromStdString("qtbase_" + language.language),
+                          QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(&toolkitTexts);
+    }
 
-    SingleInstance instance(instanceSocket());
+    SingleInstance instance(Paths::stateDir() + "/application.lock", instanceSocket());
     std::unique_ptr<FleetApplication> fleet;
     const auto outcome = instance.tryBecomeFirst(address, [&](const std::string& message) {
         if (fleet) fleet->receive(message);
@@ -98,10 +136,16 @@ int runApplication(int& argumentCount, char** arguments, const std::string& addr
         std::fputs("Fleetwise: läuft bereits, antwortet aber nicht.\n", stderr);
         return 1;
     }
+    if (!instance.isReachable()) {
+        std::fprintf(stderr, "Fleetwise: ein weiterer Start findet dieses Fenster nicht (%s)\n",
+                     instanceSocket().c_str());
+    }
     fleet = std::make_unique<FleetApplication>(application, defaults, settings);
+    const FlushAtExit flushAtExit(*fleet);
     fleet->start(address);
     const int status = QApplication::exec();
     fleet->flush();
+    endInTime(status);
     fleet.reset();
     return status;
 }

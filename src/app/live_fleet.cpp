@@ -1,6 +1,7 @@
 #include "app/live_fleet.h"
 
 #include "app/hook_jobs.h"
+#include "platform/dock_badge.h"
 #include "platform/host_window_focus.h"
 #include "sources/paths.h"
 
@@ -43,12 +44,15 @@ FleetMonitor::Environment LiveFleet::environment() {
         .reactions = {&attentionLog},
         .focus = [this](const Session& session) { return commands.focus(session); },
         .resume = [this](const Session& session) { return commands.resume(session); },
+        .showDockBadge = showDockBadge,
         .calendar = currentCalendar(),
         .home = Paths::home(),
     };
 }
 
 void LiveFleet::flush() {
+    // The user may have removed the folder meanwhile.
+    ensureStateDirectories();
     const Date now = currentDate();
     attentionLog.flush(now);
     hosts.flush(now);

@@ -1,11 +1,13 @@
 #include "app/session_commands.h"
 
+#include "foundation/directory.h"
 #include "localisation/localisation.h"
 #include "reactions/resume_command.h"
 #include "reactions/resume_launcher.h"
 #include "sources/paths.h"
 
 #include <QStandardPaths>
+#include <fmt/format.h>
 
 #include <filesystem>
 
@@ -14,6 +16,7 @@ namespace fleetwise {
 namespace {
 
 constexpr std::size_t mostAncestors = 64;
+constexpr unsigned scriptFolders = 16;
 
 /// The process and its ancestors, the nearest first.
 std::vector<std::int32_t> withAncestors(std::int32_t pid, const ProcessTable& processes) {
@@ -62,14 +65,19 @@ tl::expected<void, std::string> SessionCommands::focus(const Session& session) c
     return windows.raise(withAncestors(*session.pid, processes)).map_error(failureText);
 }
 
-tl::expected<void, std::string> SessionCommands::resume(const Session& session) const {
+/// A terminal may not have read its script yet when the next one is written, so they take turns.
+std::string SessionCommands::scriptFolder() {
+    return joinPath(Paths::stateDir(), fmt::format("resume/{}", launches++ % scriptFolders));
+}
+
+tl::expected<void, std::string> SessionCommands::resume(const Session& session) {
     const std::string codex = ResumeCommand::codexExecutable(Paths::home(), exists);
     const auto command = ResumeCommand::resumeOnly(session.id, session.agent, codex);
     if (!command) {
         return tl::unexpected(localisedFormat("Sitzungen von %@ lassen sich nicht fortsetzen"_text,
                                               session.agent.label()));
     }
-    const ResumeLauncher resumes(Paths::stateDir(), findProgram, launcher);
+    const ResumeLauncher resumes(scriptFolder(), findProgram, launcher);
     return resumes
         .launch({.sessionId = session.id, .cwd = session.cwd, .command = *command},
                 settings.get(Settings::terminalPath))

@@ -24,13 +24,16 @@ public:
     tl::expected<void, std::string> focus(const Session& session) const;
 
     /// Resumes the session in a terminal.
-    tl::expected<void, std::string> resume(const Session& session) const;
+    tl::expected<void, std::string> resume(const Session& session);
 
 private:
+    std::string scriptFolder();
+
     const Settings& settings;
     const ProcessTable& processes;
     WindowFocus& windows;
     ProcessLauncher& launcher;
+    unsigned launches = 0;
 };
 
 }  // namespace fleetwise

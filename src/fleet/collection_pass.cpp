@@ -40,10 +40,11 @@ void CollectionPass::addLiveSessions() {
 
 void CollectionPass::addDormantSessions() {
     transcripts = SessionHistory::transcripts(sources.projectsDirectory, skippedTranscripts);
+    collection.searchedEnded = input.dormantMaxAge != Seconds(0) && !transcripts.empty();
     for (const auto& candidate : SessionHistory::candidates(
              input.dormantMaxAge, desktopSessions, input.keepRegardlessOfAge, transcripts, now)) {
         const std::string& id = candidate.sessionId;
-        if (isListed(id) || !mayList(id)) continue;
+        if (isListed(id) || !mayList(id, SessionState::dormant)) continue;
         add(dormantSession(candidate, recordOf(id), desktopOf(id)));
     }
 }
@@ -54,7 +55,7 @@ void CollectionPass::addCodexSessions() {
         rolloutIds.insert(rollout.sessionId);
         if (isListed(rollout.sessionId)) continue;
         Session session = codexSession(rollout, rules);
-        if (session.isLive || (isRecentEnough(session) && mayList(session.id))) {
+        if (session.isLive || (isRecentEnough(session) && mayList(session.id, session.state))) {
             add(std::move(session));
         }
     }
@@ -64,7 +65,9 @@ void CollectionPass::addForeignSessions() {
     for (const auto& [id, record] : records) {
         if (isListed(id) || isEndedSessionOfKnownAgent(*record)) continue;
         Session session = foreignSession(*record, rules);
-        if ((session.isLive || isRecentEnough(session)) && mayList(id)) add(std::move(session));
+        if ((session.isLive || isRecentEnough(session)) && mayList(id, session.state)) {
+            add(std::move(session));
+        }
     }
 }
 
@@ -129,9 +132,9 @@ FleetSnapshot::Collection CollectionPass::takeCollection() {
     return std::move(collection);
 }
 
-bool CollectionPass::mayList(const std::string& id) {
+bool CollectionPass::mayList(const std::string& id, SessionState state) {
     if (!input.dismissed.contains(id)) return true;
-    collection.leftOut.insert(id);
+    collection.leftOut.emplace(id, state);
     return false;
 }
 

@@ -52,7 +52,7 @@ public:
 private:
     bool isListed(const std::string& id) const { return listed.contains(id); }
     /// False, with the id noted as left out, for a dismissed session.
-    bool mayList(const std::string& id);
+    bool mayList(const std::string& id, SessionState state);
     bool isRecentEnough(const Session& session) const;
     bool isEndedSessionOfKnownAgent(const StatusStore::Record& record) const;
     void add(Session session);

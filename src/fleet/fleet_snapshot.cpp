@@ -13,6 +13,13 @@ namespace {
 constexpr Seconds subagentPatience{1200};
 constexpr Seconds pruneInterval{3600};
 
+FleetSnapshot::Input preview(FleetSnapshot::Input input) {
+    input.dormantMaxAge = Seconds(0);
+    input.keepRegardlessOfAge.clear();
+    input.includeStats = false;
+    return input;
+}
+
 }  // namespace
 
 bool FleetSnapshot::Shared::shouldPrune(Date now, Seconds every) {
@@ -22,8 +29,9 @@ bool FleetSnapshot::Shared::shouldPrune(Date now, Seconds every) {
     return true;
 }
 
-FleetSnapshot::Collection FleetSnapshot::collect(const Input& input, const Sources& sources,
+FleetSnapshot::Collection FleetSnapshot::collect(const Input& wanted, const Sources& sources,
                                                  Shared& shared, Date now) {
+    const Input input = wanted.isPreview ? preview(wanted) : wanted;
     CollectionPass pass(input, sources, now);
     pass.time("Desktop-Metadaten", [&] { pass.loadDesktopMetadata(); });
     pass.time("Statusdateien", [&] { pass.loadStatusRecords(); });
@@ -34,7 +42,7 @@ FleetSnapshot::Collection FleetSnapshot::collect(const Input& input, const Sourc
     pass.time("Codex ausblenden", [&] { pass.hideCodex(); });
     pass.time("Statistik je Sitzung", [&] { pass.describeSessions(); });
     pass.time("Aufräumen", [&] {
-        if (shared.shouldPrune(now, pruneInterval)) pass.prune();
+        if (!input.isPreview && shared.shouldPrune(now, pruneInterval)) pass.prune();
     });
     pass.time("Sortieren", [&] { pass.sort(); });
     const std::lock_guard guard(shared.lock);

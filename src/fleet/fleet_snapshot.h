@@ -13,6 +13,7 @@
 
 #include <array>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <set>
 #include <string>
@@ -37,6 +38,9 @@ public:
         Seconds doneGracePeriod{0};
         bool includeStats = true;
         bool showsCodex = true;
+        /// What runs, as fast as it can be told: ended sessions, statistics and pruning are left to
+        /// a later pass.
+        bool isPreview = false;
     };
 
     /// Where a pass reads, and the stores that remember what it read before. All outlive it.
@@ -74,8 +78,11 @@ public:
     /// What a pass found.
     struct Collection {
         std::vector<Session> sessions;  ///< sorted by Session::precedes
-        /// Ids left out because they are dismissed: they still exist.
-        std::set<std::string> leftOut;
+        /// The sessions left out because they are dismissed, which still exist, and their states.
+        std::map<std::string, SessionState> leftOut;
+        /// Ended sessions were looked for and their files could be listed: what is neither listed
+        /// nor left out is gone.
+        bool searchedEnded = true;
         /// Ids whose title is the desktop app's.
         std::set<std::string> titledByDesktop;
         /// Some state is settled only later: another pass is wanted after this time.

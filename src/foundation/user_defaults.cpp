@@ -24,21 +24,24 @@ Json UserDefaults::value(const std::string& key) const {
     return found == registered.end() ? Json() : found->second;
 }
 
-bool UserDefaults::boolean(const std::string& key) const {
+std::optional<bool> UserDefaults::boolean(const std::string& key) const {
     const Json found = value(key);
     if (found.is_boolean()) return found.get<bool>();
     if (found.is_number()) return found.get<double>() != 0;
-    return found == "true" || found == "1";
+    if (found == "true" || found == "1") return true;
+    if (found == "false" || found == "0") return false;
+    return {};
 }
 
-std::int64_t UserDefaults::integer(const std::string& key) const {
+std::optional<std::int64_t> UserDefaults::integer(const std::string& key) const {
     const Json found = value(key);
     if (found.is_number_integer()) return found.get<std::int64_t>();
-    if (!found.is_string()) return 0;
+    if (!found.is_string()) return {};
     const auto& text = found.get_ref<const std::string&>();
     std::int64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size() ? number : 0;
+    if (error != std::errc() || end != text.data() + text.size()) return {};
+    return number;
 }
 
 std::string UserDefaults::string(const std::string& key) const {

@@ -27,9 +27,11 @@ public:
     /// Whether the key was ever written; a registered default does not count.
     bool isStored(const std::string& key) const { return stored(key).has_value(); }
 
-    /// A value of another type reads as false, 0, "" or an empty list.
-    bool boolean(const std::string& key) const;
-    std::int64_t integer(const std::string& key) const;
+    /// Nothing for a value of another type.
+    std::optional<bool> boolean(const std::string& key) const;
+    std::optional<std::int64_t> integer(const std::string& key) const;
+
+    /// A value of another type reads as "" or an empty list.
     std::string string(const std::string& key) const;
     std::vector<std::string> strings(const std::string& key) const;
 

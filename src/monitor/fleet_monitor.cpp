@@ -15,6 +15,12 @@ namespace {
 constexpr Seconds secondsShown{60};  ///< running times below it show their seconds
 constexpr Seconds shortStep{0.95};
 constexpr Seconds longStep{4.95};
+constexpr Seconds longestGap{0.5};
+constexpr Seconds latePass{15};
+
+constexpr bool asksSomething(SessionState state) {
+    return state <= SessionState::failed;
+}
 
 std::size_t countOf(const std::vector<Session>& sessions, bool (*isMeant)(SessionState)) {
     return static_cast<std::size_t>(
@@ -59,7 +65,7 @@ void FleetMonitor::start() {
 }
 
 void FleetMonitor::refresh() {
-    if (isCollecting) {
+    if (isCollecting || nextPassTimer) {
         wantsAnotherCollection = true;
         return;
     }
@@ -69,10 +75,13 @@ void FleetMonitor::refresh() {
 
 void FleetMonitor::runPass() {
     const std::weak_ptr<bool> alive = aliveToken;
+    passBegan = environment.loop.now();
+    FleetSnapshot::Input input = environment.settings.snapshotInput();
+    input.isPreview = !isPreviewed;
     runInBackground(
         environment.loop,
-        [collect = environment.collect, input = environment.settings.snapshotInput(),
-         now = environment.loop.now(), settingsFile = environment.hook.settingsFile,
+        [collect = environment.collect, input = std::move(input), now = environment.loop.now(),
+         settingsFile = environment.hook.settingsFile,
          installedHook = environment.hook.installedHook] {
             Pass pass{.collection = collect(input, now)};
             const bool isInstalled = HookInstaller::isInstalled(settingsFile, installedHook);
@@ -90,16 +99,43 @@ void FleetMonitor::finishPass(Pass pass) {
         recheckTimer = environment.loop.after(*wait, [this] { refresh(); });
     }
     setHookState(pass.hook);
-    apply(std::move(pass.collection));
+    if (std::exchange(isPreviewed, true)) {
+        apply(std::move(pass.collection));
+    } else {
+        applyPreview(std::move(pass.collection));
+        wantsAnotherCollection = true;
+    }
     isCollecting = false;
-    if (std::exchange(wantsAnotherCollection, false)) refresh();
+    noteLateness(false);
+    if (!std::exchange(wantsAnotherCollection, false)) return;
+    // In a storm of events passes would otherwise follow each other without a pause.
+    const Seconds taken = std::max(Seconds(0), environment.loop.now() - passBegan);
+    nextPassTimer = environment.loop.after(std::min(taken, longestGap), [this] {
+        nextPassTimer.reset();
+        wantsAnotherCollection = false;
+        refresh();
+    });
+}
+
+void FleetMonitor::noteLateness(bool isLate) {
+    if (std::exchange(hasNotedLateness, isLate) != isLate) notify(&Observer::fleetChanged);
+}
+
+/// Nothing follows from a list that is not whole yet but that it can be seen.
+void FleetMonitor::applyPreview(FleetSnapshot::Collection collection) {
+    std::vector<Session>& sessions = collection.sessions;
+    if (sessions.empty()) return;
+    refreshedAt = environment.loop.now();
+    applyUserMarks(sessions);
+    fillRememberedHosts(sessions, environment.hosts.entries(refreshedAt));
+    publish(std::move(sessions));
 }
 
 void FleetMonitor::apply(FleetSnapshot::Collection collection) {
     const Date now = environment.loop.now();
     refreshedAt = now;
     std::vector<Session>& sessions = collection.sessions;
-    pruneDismissed(sessions, collection.leftOut);
+    pruneDismissed(collection);
     adoptFederations(sessions);
     applyUserMarks(sessions);
     rememberHosts(sessions, now);
@@ -141,27 +177,43 @@ void FleetMonitor::react(const std::vector<Session>& sessions, Date now) {
         previousStates.emplace(session.id, session.state);
 }
 
-void FleetMonitor::pruneDismissed(const std::vector<Session>& live,
-                                  const std::set<std::string>& leftOut) {
-    // While ended sessions are hidden no pass looks for them, so none of them is missing.
-    if (!environment.settings.get(Settings::showDormant)) return;
-    std::set<std::string> present = leftOut;
-    for (const Session& session : live)
+void FleetMonitor::pruneDismissed(const FleetSnapshot::Collection& collection) {
+    std::set<std::string> present;
+    for (const Session& session : collection.sessions)
         present.insert(session.id);
     auto dismissed = environment.settings.get(Settings::dismissedSessionIds);
-    const auto pruned =
-        std::erase_if(dismissed, [&](const std::string& id) { return !present.contains(id); });
-    if (pruned > 0) environment.settings.set(Settings::dismissedSessionIds, dismissed);
+    const auto pruned = std::erase_if(dismissed, [&](const std::string& id) {
+        const auto hidden = collection.leftOut.find(id);
+        if (hidden == collection.leftOut.end()) {
+            return collection.searchedEnded && !present.contains(id);
+        }
+        // One that has come to ask something since is to be seen again.
+        const auto before = previouslyLeftOut.find(id);
+        return asksSomething(hidden->second) && before != previouslyLeftOut.end() &&
+               before->second != hidden->second;
+    });
+    previouslyLeftOut = collection.leftOut;
+    if (pruned == 0) return;
+    environment.settings.set(Settings::dismissedSessionIds, dismissed);
+    wantsAnotherCollection = true;
 }
 
 void FleetMonitor::publish(std::vector<Session> sessions) {
+    const bool isFirst = std::exchange(hasPublished, true) == false;
     const bool differs = sessions != list;
     list = std::move(sessions);
     suggested = federationSuggestions(list);
+    const bool isRegrouped = regroup();
+    updateDockBadge();
+    if (!isFirst && !differs && !isRegrouped) return;
     // Running times are told anew with what they belong to.
     shownTime = environment.loop.now();
-    const bool isRegrouped = regroup();
-    if (differs || isRegrouped) notify(&Observer::fleetChanged);
+    notify(&Observer::fleetChanged);
+}
+
+void FleetMonitor::updateDockBadge() {
+    const std::size_t count = attentionCount();
+    if (std::exchange(dockBadge, count) != count) environment.showDockBadge(count);
 }
 
 bool FleetMonitor::regroup() {
@@ -186,12 +238,13 @@ Seconds FleetMonitor::clockStep(const std::vector<Session>& sessions, Date now) 
     const bool showsSeconds =
         std::any_of(sessions.begin(), sessions.end(), [&](const Session& session) {
             const auto since = session.elapsedReference();
-            return since && now - *since < secondsShown;
+            return since && now >= *since && now - *since < secondsShown;
         });
     return showsSeconds ? shortStep : longStep;
 }
 
 void FleetMonitor::tick() {
+    if (isCollecting && environment.loop.now() - passBegan >= latePass) noteLateness(true);
     if (!isAnyWindowVisible || !isAnyWindowVisible()) return;
     const Date now = environment.loop.now();
     const bool isDue = now < shownTime || now - shownTime >= clockStep(list, now);

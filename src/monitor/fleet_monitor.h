@@ -11,6 +11,7 @@
 
 #include <tl/expected.hpp>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -58,6 +59,8 @@ public:
         std::function<tl::expected<void, std::string>(const Session&)> focus;
         /// Resumes an ended session in a terminal, or tells why not, for the user.
         std::function<tl::expected<void, std::string>(const Session&)> resume;
+        /// Shows how many sessions need the user on the program's entry in the dock.
+        std::function<void(std::size_t)> showDockBadge;
         Calendar calendar = nullptr;
         std::string home;  ///< shown as "~" in paths
     };
@@ -88,6 +91,8 @@ public:
     std::size_t attentionCount() const;
     std::size_t workingCount() const;
     Date lastRefresh() const { return refreshedAt; }
+    /// A pass takes so long that the list is out of date: some file does not answer.
+    bool isLate() const { return hasNotedLateness; }
     bool hasCollected() const { return refreshedAt != Date(); }
 
     /// The present as running times show it: it moves only as often as they are read.
@@ -154,17 +159,20 @@ private:
 
     void runPass();
     void finishPass(Pass pass);
+    void applyPreview(FleetSnapshot::Collection collection);
     void apply(FleetSnapshot::Collection collection);
     void adoptFederations(std::vector<Session>& sessions);
     void applyUserMarks(std::vector<Session>& sessions) const;
     void rememberHosts(std::vector<Session>& sessions, Date now);
     void react(const std::vector<Session>& sessions, Date now);
-    void pruneDismissed(const std::vector<Session>& live, const std::set<std::string>& leftOut);
+    void pruneDismissed(const FleetSnapshot::Collection& collection);
     void publish(std::vector<Session> sessions);
     bool regroup();
+    void updateDockBadge();
     void listChanged();
     void settingsChanged();
     void tick();
+    void noteLateness(bool isLate);
     void setHookState(HookState state);
     void setNotice(const std::string& id, std::string text);
     void carryOut(const std::string& id,
@@ -172,8 +180,11 @@ private:
 
     template <typename Function>
     void notify(Function function) {
-        for (Observer* observer : std::vector(observers))
-            (observer->*function)();
+        for (Observer* observer : std::vector(observers)) {
+            const bool isThere =
+                std::find(observers.begin(), observers.end(), observer) != observers.end();
+            if (isThere) (observer->*function)();
+        }
     }
 
     Environment environment;
@@ -183,6 +194,7 @@ private:
     std::vector<SessionGroup> grouped;
     std::vector<FederationSuggestion> suggested;
     std::map<std::string, SessionState> previousStates;
+    std::map<std::string, SessionState> previouslyLeftOut;
     std::map<std::string, std::string> federations;  ///< by session id, as marks told
     std::map<std::string, Notice> notices;           ///< by session id
     std::string searchText;
@@ -190,6 +202,11 @@ private:
     std::string hookFailure;
     bool isCollecting = false;
     bool wantsAnotherCollection = false;
+    bool isPreviewed = false;  ///< the first pass has shown what runs; all others are whole
+    bool hasPublished = false;
+    std::size_t dockBadge = 0;
+    bool hasNotedLateness = false;
+    Date passBegan;
     Date refreshedAt;
     Date shownTime;
     std::function<bool()> isAnyWindowVisible;
@@ -197,6 +214,7 @@ private:
     std::unique_ptr<MainLoop::Subscription> refreshTimer;
     std::unique_ptr<MainLoop::Subscription> clockTimer;
     std::unique_ptr<MainLoop::Subscription> recheckTimer;
+    std::unique_ptr<MainLoop::Subscription> nextPassTimer;  ///< between two passes in a row
     std::unique_ptr<MainLoop::Subscription> statusWatcher;
     std::unique_ptr<MainLoop::Subscription> registryWatcher;
     /// What follows a background job only happens while this exists.

@@ -31,13 +31,12 @@ bool cannotBeDismissed(const Session& session) {
 }  // namespace
 
 void FleetMonitor::applyUserMarks(std::vector<Session>& sessions) const {
-    const auto dismissed = environment.settings.get(Settings::dismissedSessionIds);
-    const auto favorites = environment.settings.get(Settings::favoriteSessionIds);
+    const FleetSnapshot::Input wishes = environment.settings.snapshotInput();
     std::erase_if(sessions, [&](const Session& session) {
-        return contains(dismissed, session.id) && !cannotBeDismissed(session);
+        return wishes.dismissed.contains(session.id) && !cannotBeDismissed(session);
     });
     for (Session& session : sessions)
-        session.isFavorite = contains(favorites, session.id);
+        session.isFavorite = wishes.keepRegardlessOfAge.contains(session.id);
     std::stable_sort(sessions.begin(), sessions.end(), Session::precedes);
 }
 

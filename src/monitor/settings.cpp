@@ -82,11 +82,11 @@ bool Settings::isStored(std::string_view key) const {
 }
 
 bool Settings::get(const Setting<bool>& setting) const {
-    return isStored(setting.key) ? defaults.boolean(std::string(setting.key)) : setting.fallback;
+    return defaults.boolean(std::string(setting.key)).value_or(setting.fallback);
 }
 
 std::int64_t Settings::get(const Setting<std::int64_t>& setting) const {
-    return isStored(setting.key) ? defaults.integer(std::string(setting.key)) : setting.fallback;
+    return defaults.integer(std::string(setting.key)).value_or(setting.fallback);
 }
 
 std::string Settings::get(const Setting<std::string_view>& setting) const {
@@ -116,7 +116,9 @@ FleetSnapshot::Input Settings::snapshotInput() const {
     }
     input.dismissed = asSet(get(dismissedSessionIds));
     input.keepRegardlessOfAge = asSet(get(favoriteSessionIds));
-    input.doneGracePeriod = Seconds(static_cast<double>(get(doneGraceMinutes)) * secondsPerMinute);
+    const std::int64_t minutes = get(doneGraceMinutes);
+    input.doneGracePeriod = Seconds(
+        static_cast<double>(minutes < 0 ? doneGraceMinutes.fallback : minutes) * secondsPerMinute);
     input.includeStats = true;
     input.showsCodex = get(showsCodex);
     return input;

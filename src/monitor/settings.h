@@ -93,7 +93,8 @@ public:
     /// The keys of all settings, in the order they stand above.
     static std::vector<std::string> keys();
 
-    /// The stored value; the setting's fallback where none was ever written.
+    /// The stored value; the setting's fallback where none was ever written or it is of another
+    /// type.
     bool get(const Setting<bool>& setting) const;
     std::int64_t get(const Setting<std::int64_t>& setting) const;
     std::string get(const Setting<std::string_view>& setting) const;

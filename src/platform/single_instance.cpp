@@ -1,6 +1,7 @@
 #include "platform/single_instance.h"
 
 #include "foundation/atomic_file.h"
+#include "foundation/regular_file.h"
 #include "foundation/utf8.h"
 
 #include <QDeadlineTimer>
@@ -11,10 +12,12 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string_view>
 
@@ -24,6 +27,7 @@ namespace {
 
 constexpr std::chrono::seconds patience{2};
 constexpr qsizetype maximumClients = 8;
+constexpr std::size_t maximumPathBytes = 4'096;
 constexpr qint64 maximumLineBytes = 8'192;
 constexpr std::string_view addressPrefix = "fleetwise://";
 constexpr std::string_view answer = "ok\n";
@@ -57,37 +61,53 @@ bool handOver(const std::string& socketPath, const std::string& message,
 
 }  // namespace
 
-SingleInstance::SingleInstance(std::string givenSocketPath)
-    : socketPath(std::move(givenSocketPath)) {}
+SingleInstance::SingleInstance(std::string givenLockFile, std::string givenSocketPath)
+    : lockFile(std::move(givenLockFile)), socketPath(std::move(givenSocketPath)) {}
 
 SingleInstance::~SingleInstance() = default;
 
 StartOutcome SingleInstance::tryBecomeFirst(const std::string& message, Received givenReceived) {
     received = std::move(givenReceived);
+    const std::string handed = isMessage(message) ? message : "";
     const QDeadlineTimer deadline(patience);
     // The other one may be about to listen, or about to end.
     do {
-        if (takeLock() == Lock::ours) {
+        const Lock taken = takeLock();
+        // Somebody may have removed the file that another instance still holds.
+        const std::string other = taken == Lock::ours ? socketPath : notedSocket();
+        if (!other.empty() && handOver(other, handed, deadline)) return StartOutcome::handedOver;
+        if (taken == Lock::ours) {
+            noteSocket();
             listen();
             return StartOutcome::first;
         }
-        if (handOver(socketPath, isMessage(message) ? message : "", deadline))
-            return StartOutcome::handedOver;
         QThread::msleep(20);
     } while (!deadline.hasExpired());
     return StartOutcome::unreachable;
 }
 
 SingleInstance::Lock SingleInstance::takeLock() {
-    const std::size_t slash = socketPath.find_last_of('/');
-    if (slash != std::string::npos && slash > 0)
-        (void)makePrivateDirectory(socketPath.substr(0, slash));
+    for (const std::string& path : {lockFile, socketPath})
+        (void)makePrivateDirectory(std::filesystem::path(path).parent_path().string());
     FileDescriptor opened(
-        ::open((socketPath + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        ::open(lockFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (opened && ::flock(opened.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return Lock::theirs;
     lock = std::move(opened);
     return Lock::ours;
+}
+
+void SingleInstance::noteSocket() const {
+    if (!lock || ::ftruncate(lock.get(), 0) != 0) return;
+    (void)::pwrite(lock.get(), socketPath.data(), socketPath.size(), 0);
+}
+
+std::string SingleInstance::notedSocket() const {
+    return readRegularFile(lockFile, maximumPathBytes).value_or(std::string());
+}
+
+bool SingleInstance::isReachable() const {
+    return server && server->isListening();
 }
 
 void SingleInstance::listen() {

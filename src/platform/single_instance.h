@@ -18,9 +18,9 @@ enum class StartOutcome {
     unreachable,  ///< another instance runs but did not answer within two seconds
 };
 
-/// Lets one instance of the application run for one socket path, and later starts tell it what
-/// they were started for: a lock beside the socket decides who is first, so neither a crash nor
-/// two starts at once lead to none or two.
+/// Lets one instance of the application run for one lock file, and later starts tell it what they
+/// were started for. The lock decides who is first, so neither a crash nor two starts at once lead
+/// to none or two; the file names the socket that the first one listens at.
 ///
 /// A message is empty ("show the window") or an address "fleetwise://…". On the socket it is one
 /// line of UTF-8, answered with "ok"; anything else is dropped without an answer. Belongs to the
@@ -29,8 +29,9 @@ class SingleInstance {
 public:
     using Received = std::function<void(const std::string& message)>;
 
-    /// `socketPath` is at most 100 bytes long; its folder is made where it is missing.
-    explicit SingleInstance(std::string socketPath);
+    /// `socketPath` is where to listen; systems take about 100 bytes of it. The folders of both
+    /// are made where they are missing.
+    SingleInstance(std::string lockFile, std::string socketPath);
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
     ~SingleInstance();
@@ -41,14 +42,20 @@ public:
     /// folder that cannot be written to every start is the first.
     StartOutcome tryBecomeFirst(const std::string& message, Received received);
 
+    /// Whether later starts can tell this instance anything.
+    bool isReachable() const;
+
 private:
     enum class Lock { ours, theirs };
 
     Lock takeLock();
+    void noteSocket() const;
+    std::string notedSocket() const;
     void listen();
     void admitClients();
     void hear(QLocalSocket& client);
 
+    std::string lockFile;
     std::string socketPath;
     Received received;
     FileDescriptor lock;  ///< held as long as this is the first instance

@@ -46,12 +46,17 @@ public:
     ~TerminationSignals() override { handle(SIG_DFL); }
 
 private:
+    /// Leaves alone what the program was started to ignore, as by nohup.
     static void handle(void (*handler)(int)) {
         struct sigaction wanted {};
         wanted.sa_handler = handler;
         wanted.sa_flags = SA_RESTART;
-        for (const int signal : terminating)
-            ::sigaction(signal, &wanted, nullptr);
+        for (const int signal : terminating) {
+            struct sigaction found {};
+            const bool isIgnored =
+                ::sigaction(signal, nullptr, &found) == 0 && found.sa_handler == SIG_IGN;
+            if (!isIgnored) ::sigaction(signal, &wanted, nullptr);
+        }
     }
 
     FileDescriptor reading;

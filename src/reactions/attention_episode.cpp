@@ -3,6 +3,8 @@
 #include "foundation/atomic_file.h"
 #include "foundation/json.h"
 
+#include <filesystem>
+
 namespace fleetwise {
 
 namespace {
@@ -41,11 +43,15 @@ tl::expected<std::vector<AttentionEpisode>, FileError> loadAttentionEpisodes(
     const auto contents = readRegularFile(path, maximumFileBytes);
     if (!contents) {
         const FileError error = contents.error();
-        if (error == FileError::missing || error == FileError::tooLarge) return episodes;
-        return tl::unexpected(error);
+        if (error == FileError::missing) return episodes;
+        if (error != FileError::tooLarge) return tl::unexpected(error);
     }
-    const auto document = parseJson(*contents);
-    if (!document || member<int>(*document, "version") != fileVersion) return episodes;
+    const auto document = contents ? parseJson(*contents) : std::nullopt;
+    if (!document || member<int>(*document, "version") != fileVersion) {
+        std::error_code ignored;
+        std::filesystem::rename(path, path + ".unreadable", ignored);
+        return episodes;
+    }
     const auto entries = document->find("episodes");
     if (entries == document->end() || !entries->is_array()) return episodes;
     for (const Json& entry : *entries) {

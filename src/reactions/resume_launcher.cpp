@@ -80,7 +80,8 @@ std::string ResumeLauncher::script(const std::optional<std::string>& cd, std::st
         "#!/bin/sh\n"
         "# Von Fleetwise angelegt, um eine Sitzung fortzusetzen.\n"
         "# Diese Datei wird bei jedem Klick überschrieben.\n";
-    if (cd) {
+    // Any other folder would depend on where the terminal starts.
+    if (cd && cd->starts_with('/')) {
         const std::string directory = ResumeCommand::shellArgument(*cd);
         lines += "cd " + directory +
                  " || {\n"

@@ -3,6 +3,7 @@
 #include "ui/chip_button.h"
 #include "ui/interface_text.h"
 #include "ui/row_geometry.h"
+#include "ui/search_field.h"
 #include "ui/theme.h"
 
 #include <QBoxLayout>
@@ -15,7 +16,7 @@ namespace fleetwise {
 
 namespace {
 
-constexpr int searchWidth = 180;
+constexpr int searchWidth = 120;
 
 QString named(std::string_view raw) {
     return QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size()));
@@ -26,12 +27,11 @@ QString named(std::string_view raw) {
 FilterBar::FilterBar(FleetMonitor& givenMonitor, QWidget* parent)
     : QWidget(parent),
       monitor(givenMonitor),
-      search(new QLineEdit),
+      search(new SearchField),
       density(new ChipButton(shown("Zweizeilig"_text))) {
     search->setPlaceholderText(shown("Suchen"_text));
     search->setAccessibleName(shown("Sitzungen suchen"_text));
     search->setToolTip(shown("Name, Pfad, Branch, Anwendung, Modell, Meldung (Strg+F)"_text));
-    search->setClearButtonEnabled(true);
     search->setMinimumWidth(searchWidth);
     search->installEventFilter(this);
     connect(search, &QLineEdit::textChanged, this,

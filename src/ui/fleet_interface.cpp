@@ -52,6 +52,7 @@ FleetInterface::~FleetInterface() {
 }
 
 void FleetInterface::start() {
+    hasStarted = true;
     window.bringUp();
 }
 
@@ -68,16 +69,21 @@ void FleetInterface::connectPopover() {
     connect(&popover, &FleetPopover::activated, this, [this](const QModelIndex& index) {
         if (glanceModel.row(index).kind == SessionRow::Kind::heading) {
             glanceModel.toggleFolded(index);
+            popover.reveal(index);
             return;
         }
-        monitor.activate(glanceModel.row(index).key.toStdString());
-        popover.hide();
+        const std::string id = glanceModel.row(index).key.toStdString();
+        monitor.activate(id);
+        // What stood in the way is told in the row.
+        if (!monitor.notice(id)) popover.hide();
     });
 }
 
 void FleetInterface::followTray() {
     window.setClosing(tray.isAvailable() ? FleetWindow::Closing::hides
                                          : FleetWindow::Closing::minimises);
+    // Without the mark the window is the only way in.
+    if (!tray.isAvailable() && hasStarted && window.isHidden()) window.showMinimized();
 }
 
 void FleetInterface::settingsChanged() {

@@ -49,6 +49,7 @@ private:
     FleetPopover popover;
     TrayItem tray;
     MarkFigures shownMark;
+    bool hasStarted = false;
 };
 
 }  // namespace fleetwise

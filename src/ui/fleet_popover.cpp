@@ -214,6 +214,11 @@ void FleetPopover::keyPressEvent(QKeyEvent* event) {
     QWidget::keyPressEvent(event);
 }
 
+void FleetPopover::reveal(const QModelIndex& heading) {
+    fitToContents();
+    list->scrollTo(heading, QAbstractItemView::PositionAtTop);
+}
+
 void FleetPopover::paintEvent(QPaintEvent*) {
     const Palette colours = paletteOf(palette());
     QPainter painter(this);

@@ -32,6 +32,9 @@ public:
     /// is open, or was until this very click.
     void toggle(const QRect& anchor);
 
+    /// Scrolls so that a heading and what it was unfolded to can be seen.
+    void reveal(const QModelIndex& heading);
+
 signals:
     /// A row was clicked or confirmed with Enter.
     void activated(const QModelIndex& index);

@@ -7,16 +7,18 @@
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QPaintEvent>
 #include <QStyle>
 #include <QTimerEvent>
+#include <QWindow>
 
 namespace fleetwise {
 
 namespace {
 
 /// A ring turns once in two seconds, in steps that look smooth at its size.
-constexpr int stepsPerTurn = 20;
-constexpr int stepMilliseconds = 100;
+constexpr int stepsPerTurn = 16;
+constexpr int stepMilliseconds = 125;
 
 }  // namespace
 
@@ -51,7 +53,10 @@ void FleetView::selectSomething() {
     const auto isSession = [this](const QModelIndex& index) {
         return index.isValid() && list.row(index).kind == SessionRow::Kind::session;
     };
-    if (isSession(currentIndex())) return;
+    if (isSession(currentIndex())) {
+        scrollTo(currentIndex());
+        return;
+    }
     for (int row = 0; row < list.rowCount(); ++row) {
         if (!isSession(list.index(row))) continue;
         setCurrentIndex(list.index(row));
@@ -76,18 +81,17 @@ bool FleetView::foldByKey(int key, const QModelIndex& index) {
 }
 
 bool FleetView::actByKey(int key, const QModelIndex& index) {
-    if (list.row(index).kind != SessionRow::Kind::session) return false;
+    if (key != Qt::Key_F && key != Qt::Key_Delete) return false;
+    // On a heading they do nothing, and are not the beginning of a name to go to.
+    if (list.row(index).kind == SessionRow::Kind::heading) return true;
     const std::string id = list.row(index).key.toStdString();
-    switch (key) {
-        case Qt::Key_F:
-            monitor.toggleFavorite(id);
-            return true;
-        case Qt::Key_Delete:
-            monitor.dismiss(id);
-            return true;
-        default:
-            return false;
+    if (key == Qt::Key_F) {
+        monitor.toggleFavorite(id);
+    } else {
+        monitor.dismiss(id);
     }
+    scrollTo(currentIndex());
+    return true;
 }
 
 void FleetView::keyPressEvent(QKeyEvent* event) {
@@ -129,16 +133,24 @@ void FleetView::hideEvent(QHideEvent* event) {
     turning.stop();
 }
 
-void FleetView::changeEvent(QEvent* event) {
-    QListView::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange) followActivity();
+bool FleetView::event(QEvent* event) {
+    const bool isHandled = QListView::event(event);
+    if (event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate) {
+        followActivity();
+    }
+    return isHandled;
 }
 
 /// Rings turn only where the user may be looking, and only while something works.
+bool FleetView::maySeeMotion() const {
+    const QWindow* surface = window()->windowHandle();
+    return isVisible() && isActiveWindow() && !window()->isMinimized() && surface != nullptr &&
+           surface->isExposed() &&
+           style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+}
+
 void FleetView::followActivity() {
-    const bool mayMove =
-        style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
-    const bool turns = mayMove && isVisible() && isActiveWindow() && monitor.workingCount() > 0;
+    const bool turns = monitor.workingCount() > 0 && maySeeMotion();
     if (turns && !turning.isActive()) turning.start(stepMilliseconds, Qt::CoarseTimer, this);
     if (!turns) turning.stop();
 }
@@ -151,7 +163,18 @@ void FleetView::timerEvent(QTimerEvent* event) {
     }
 }
 
+/// A view paints all rows between the first and the last one that a frame touches; most of them,
+/// and all but the ring of the others, are still there.
+void FleetView::paintEvent(QPaintEvent* event) {
+    delegate->setPaintedRegion(event->region());
+    QListView::paintEvent(event);
+}
+
 void FleetView::turnRings() {
+    if (!maySeeMotion()) {
+        turning.stop();
+        return;
+    }
     step = (step + 1) % stepsPerTurn;
     delegate->setTurn(static_cast<double>(step) / stepsPerTurn);
     QStyleOptionViewItem option;

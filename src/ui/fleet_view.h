@@ -24,7 +24,7 @@ public:
     /// Follows the settings.
     void setLook(Density density, GroupMode grouping);
 
-    /// Selects the first session where none is selected.
+    /// Selects the first session where none is selected, and scrolls to the selected one.
     void selectSomething();
 
 protected:
@@ -34,13 +34,15 @@ protected:
     void timerEvent(QTimerEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
-    void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void activateRow(const QModelIndex& index);
     bool foldByKey(int key, const QModelIndex& index);
     bool actByKey(int key, const QModelIndex& index);
     void showMenu(const QModelIndex& index, const QPoint& position);
+    bool maySeeMotion() const;
     void followActivity();
     void turnRings();
 

@@ -12,16 +12,19 @@
 #include <QBoxLayout>
 #include <QCloseEvent>
 #include <QLabel>
+#include <QScreen>
 #include <QShortcut>
 
 #include <chrono>
 #include <numeric>
+#include <utility>
 
 namespace fleetwise {
 
 namespace {
 
 constexpr QSize initialSize(1000, 680);
+constexpr double largestShare = 0.9;  ///< of the screen, for the initial size
 constexpr std::chrono::seconds tellingTime(10);
 
 }  // namespace
@@ -85,7 +88,7 @@ void FleetWindow::addShortcuts() {
 void FleetWindow::restoreGeometryOnce() {
     const std::string stored = monitor.settings().get(Settings::windowGeometry);
     if (restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(stored)))) return;
-    resize(initialSize);
+    resize(initialSize.boundedTo(screen()->availableSize() * largestShare));
 }
 
 void FleetWindow::storeGeometry() {
@@ -98,7 +101,8 @@ void FleetWindow::hideEvent(QHideEvent* event) {
 }
 
 void FleetWindow::closeEvent(QCloseEvent* event) {
-    if (whenClosed == Closing::minimises) {
+    // Whoever ends the desktop's session must not be held up.
+    if (whenClosed == Closing::minimises && !qApp->isSavingSession()) {
         event->ignore();
         showMinimized();
     } else {
@@ -124,9 +128,20 @@ void FleetWindow::fleetChanged() {
     const bool begins = !isEmpty && view->isHidden() && monitor.search().empty();
     view->setVisible(!isEmpty);
     if (begins) view->setFocus();
+    if (begins) view->selectSomething();
+    if (std::exchange(shownSearch, monitor.search()) != monitor.search()) view->scrollToTop();
     empty->setVisible(isEmpty);
     if (isEmpty) empty->setText(emptyText());
     if (!tellingEnds.isActive()) showSummary();
+}
+
+void FleetWindow::hookChanged() {
+    const auto before = std::exchange(shownHookState, monitor.hookState());
+    if (before == FleetMonitor::HookState::missing &&
+        shownHookState == FleetMonitor::HookState::installed) {
+        tell(shown(
+            "Der Hook ist eingerichtet. Neue Sitzungen melden sich von jetzt an sofort."_text));
+    }
 }
 
 void FleetWindow::tell(const QString& message) {
@@ -137,7 +152,13 @@ void FleetWindow::tell(const QString& message) {
 void FleetWindow::showSummary() {
     std::vector<std::size_t> all(monitor.sessions().size());
     std::iota(all.begin(), all.end(), std::size_t{0});
-    footer->setText(qtText(stateSummary(monitor.sessions(), all)));
+    QString text = qtText(stateSummary(monitor.sessions(), all));
+    if (monitor.isLate()) {
+        text = shown("Stand von %@, eine Datei antwortet nicht"_text,
+                     formatDate(monitor.lastRefresh(), monitor.calendar(), "%H:%M:%S")) +
+               QStringLiteral(" · ") + text;
+    }
+    footer->setText(text);
 }
 
 QString FleetWindow::emptyText() const {

@@ -40,6 +40,7 @@ protected:
 private:
     void fleetChanged() override;
     void settingsChanged() override;
+    void hookChanged() override;
     void windowRequested() override { bringUp(); }
 
     void layOut();
@@ -56,6 +57,8 @@ private:
     QLabel* empty;
     QLabel* footer;
     QTimer tellingEnds;
+    std::string shownSearch;
+    FleetMonitor::HookState shownHookState = FleetMonitor::HookState::unknown;
     Closing whenClosed = Closing::hides;
 };
 

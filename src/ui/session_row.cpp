@@ -65,9 +65,11 @@ QString tooltipOf(const SessionRow& row, const Session& session) {
 
 QString spokenOf(const SessionRow& row) {
     QStringList parts{row.name, row.stateLabel};
-    for (const QString& part : {row.detail, row.project, row.branch, row.host, row.elapsed}) {
+    for (const QString& part :
+         {row.detail, row.project, row.branch, row.host, row.model, row.elapsed}) {
         if (!part.isEmpty()) parts << part;
     }
+    parts << row.badges;
     if (row.contextFill) parts << shown("Kontext"_text) + u' ' + contextText(row.contextFill);
     if (row.isFavorite) parts << shown("Favorit"_text);
     return parts.join(QStringLiteral(", "));

@@ -24,6 +24,7 @@ constexpr double selectionStrength = 0.16;
 constexpr int roomForBranch = 130;
 constexpr int roomForPath = 180;
 constexpr int chipPadding = 5;
+constexpr double chipEdgeStrength = 0.4;
 constexpr int chevronSide = 10;
 constexpr int starSide = 12;
 constexpr int symbolSide = 12;
@@ -35,7 +36,7 @@ RowTextSizes textSizes(const QFont& font) {
     const QString longest = qtText(durationText(std::chrono::minutes(23 * 60 + 58)));
     return {.lineHeight = body.height(),
             .smallLineHeight = small.height(),
-            .timeWidth = small.horizontalAdvance(longest)};
+            .timeWidth = small.horizontalAdvance(longest) + 1};
 }
 
 QColor faded(QColor colour, double strength) {
@@ -43,11 +44,13 @@ QColor faded(QColor colour, double strength) {
     return colour;
 }
 
-void paintGround(QPainter& painter, const QStyleOptionViewItem& option, const Palette& palette) {
+/// `row` is the part of the item that belongs to it: a heading keeps its distance to what is above.
+void paintGround(QPainter& painter, const QStyleOptionViewItem& option, const QRect& row,
+                 const Palette& palette) {
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
     const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
     if (!isSelected && !isHovered) return;
-    const QRectF area = QRectF(option.rect).adjusted(4, 1, -4, -1);
+    const QRectF area = QRectF(row).adjusted(4, 1, -4, -1);
     const bool hasFocus = isSelected && option.state.testFlag(QStyle::State_HasFocus);
     painter.setPen(hasFocus ? QPen(palette.accent, 1.5) : QPen(Qt::NoPen));
     painter.setBrush(isSelected ? faded(palette.accent, selectionStrength) : palette.hover);
@@ -107,7 +110,7 @@ void paintChips(QPainter& painter, QPoint place, int height, const QStringList& 
                 const Palette& palette) {
     for (const QString& text : texts) {
         const QRect chip(place, QSize(chipWidth(text, painter.fontMetrics()), height));
-        painter.setPen(palette.hairline);
+        painter.setPen(faded(palette.secondary, chipEdgeStrength));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(chip).adjusted(0.5, 0.5, -0.5, -0.5), Metrics::grid,
                                 Metrics::grid);
@@ -178,16 +181,19 @@ void paintOrigin(QPainter& painter, const QRect& area, const SessionRow& row,
 
 void SessionRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                const QModelIndex& index) const {
+    const QRect touched = painted.intersected(option.rect).boundingRect();
+    if (touched.isEmpty()) return;
     const auto row = index.data(FleetListModel::rowRole).value<SessionRow>();
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     QStyleOptionViewItem filled = option;
     initStyleOption(&filled, index);
-    paintGround(*painter, filled, paletteOf(filled.palette));
+    const int gap = row.kind == SessionRow::Kind::heading ? Metrics::groupGap - Metrics::grid : 0;
+    paintGround(*painter, filled, filled.rect.adjusted(0, gap, 0, 0), paletteOf(filled.palette));
     if (row.kind == SessionRow::Kind::heading) {
         paintHeading(*painter, filled, row);
     } else {
-        paintSession(*painter, filled, row);
+        paintSession(*painter, filled, row, touched);
     }
     painter->restore();
 }
@@ -211,11 +217,12 @@ void SessionRowDelegate::paintHeading(QPainter& painter, const QStyleOptionViewI
 }
 
 void SessionRowDelegate::paintSession(QPainter& painter, const QStyleOptionViewItem& option,
-                                      const SessionRow& row) const {
+                                      const SessionRow& row, const QRect& touched) const {
     const Palette palette = paletteOf(option.palette);
     const RowGeometry geometry = rowGeometry(option.rect, rowDensity, textSizes(option.font));
     paintStateGlyph(painter, geometry.glyph, row.state,
                     stateColour(row.state, appearanceOf(option.palette)), turn);
+    if (geometry.glyph.contains(touched)) return;
     paintName(painter, geometry.name, row, option.font, palette);
     painter.setFont(smallFont(option.font));
     paintDetail(painter, geometry.detail, row, palette);
@@ -229,7 +236,9 @@ void SessionRowDelegate::paintSession(QPainter& painter, const QStyleOptionViewI
 void SessionRowDelegate::paintDetail(QPainter& painter, const QRect& area, const SessionRow& row,
                                      const Palette& palette) const {
     const bool warns = row.isNotice || row.isStale;
-    const bool hasLead = !row.isNotice && stateLabels == StateLabels::shown;
+    const bool saysIt =
+        row.state == SessionState::compacting || row.state == SessionState::waitingForSubagents;
+    const bool hasLead = !row.isNotice && !saysIt && stateLabels == StateLabels::shown;
     const QString lead = hasLead ? row.stateLabel : QString();
     const bool rests = row.state == SessionState::dormant;
     const auto chips = fittingChips(row.badges, painter.fontMetrics(), area.width() / 2);

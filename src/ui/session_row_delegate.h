@@ -3,6 +3,7 @@
 #include "ui/row_geometry.h"
 #include "ui/session_row.h"
 
+#include <QRegion>
 #include <QStyledItemDelegate>
 
 namespace fleetwise {
@@ -26,6 +27,9 @@ public:
     /// How far the rings of working sessions have turned, 0 to 1.
     void setTurn(double share) { turn = share; }
 
+    /// What of the view is to be painted next; paint() leaves out what lies outside.
+    void setPaintedRegion(const QRegion& region) { painted = region; }
+
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
@@ -36,14 +40,17 @@ public:
 private:
     void paintHeading(QPainter& painter, const QStyleOptionViewItem& option,
                       const SessionRow& row) const;
-    void paintSession(QPainter& painter, const QStyleOptionViewItem& option,
-                      const SessionRow& row) const;
+    void paintSession(QPainter& painter, const QStyleOptionViewItem& option, const SessionRow& row,
+                      const QRect& touched) const;
     void paintDetail(QPainter& painter, const QRect& area, const SessionRow& row,
                      const Palette& palette) const;
+
+    static constexpr int everywhere = 1 << 20;
 
     Density rowDensity = Density::compact;
     StateLabels stateLabels = StateLabels::shown;
     double turn = 0;
+    QRegion painted{-everywhere, -everywhere, 2 * everywhere, 2 * everywhere};
 };
 
 }  // namespace fleetwise

@@ -48,9 +48,10 @@ void TrayItem::setStyle(MarkStyle newStyle, Appearance newPanel) {
 }
 
 void TrayItem::lookForTray() {
-    if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
-    search.stop();
-    icon.show();
+    const bool isThereNow = QSystemTrayIcon::isSystemTrayAvailable();
+    if (isThereNow == isThere) return;
+    isThere = isThereNow;
+    icon.setVisible(isThere);
     emit availabilityChanged();
 }
 

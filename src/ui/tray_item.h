@@ -14,8 +14,8 @@ class QMenu;
 
 namespace fleetwise {
 
-/// The mark in the tray, with its menu. A desktop may have no tray, or start it after us: it is
-/// looked for every five seconds until there is one. Main thread; needs a QApplication.
+/// The mark in the tray, with its menu. A desktop may have no tray, start it after us or lose it:
+/// every five seconds it is looked whether there is one. Main thread; needs a QApplication.
 class TrayItem final : public QObject {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ public:
     ~TrayItem() override;
 
     /// Whether the mark can be seen, so that the program may run without a window.
-    bool isAvailable() const { return icon.isVisible(); }
+    bool isAvailable() const { return isThere; }
 
     /// The mark is drawn anew only where something has changed.
     void setFigures(const MarkFigures& figures);
@@ -49,6 +49,7 @@ private:
     std::unique_ptr<QMenu> menu;
     QSystemTrayIcon icon;
     QTimer search;
+    bool isThere = false;
     MarkFigures figures;
     MarkStyle style = MarkStyle::coloured;
     Appearance panel = Appearance::light;

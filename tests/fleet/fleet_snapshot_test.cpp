@@ -13,6 +13,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Key;
 using ::testing::UnorderedElementsAre;
 
 TEST(FleetSnapshot, showsTheTrueStateOfALiveSession) {
@@ -191,7 +192,7 @@ TEST(FleetSnapshot, listsEndedSessionsByAge) {
 
     auto collection = fleet.collect();
     EXPECT_THAT(ids(collection), UnorderedElementsAre("live", "fresh", "favourite"));
-    EXPECT_THAT(collection.leftOut, ElementsAre("dismissed"));
+    EXPECT_THAT(collection.leftOut, ElementsAre(Key("dismissed")));
     EXPECT_EQ(only(collection, "fresh").state, SessionState::dormant);
     EXPECT_EQ(only(collection, "fresh").subagentCount, 0);
     EXPECT_TRUE(only(collection, "favourite").isFavorite);

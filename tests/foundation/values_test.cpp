@@ -198,19 +198,19 @@ TEST(JsonReader, tellsAbsentFromWrongType) {
 TEST(UserDefaults, readsStoredValuesBeforeRegisteredOnes) {
     InMemoryUserDefaults defaults;
     defaults.registerDefaults({{"shown", true}, {"days", 1}, {"mode", "status"}});
-    EXPECT_TRUE(defaults.boolean("shown"));
+    EXPECT_EQ(defaults.boolean("shown"), true);
     EXPECT_EQ(defaults.integer("days"), 1);
     EXPECT_EQ(defaults.string("mode"), "status");
     defaults.set("shown", "false");  // as a text-only store hands it back
     defaults.set("days", "30");
     defaults.set("ids", R"(["a","b",3])");
     defaults.set("map", R"({"a":true})");
-    EXPECT_FALSE(defaults.boolean("shown"));
+    EXPECT_EQ(defaults.boolean("shown"), false);
     EXPECT_EQ(defaults.integer("days"), 30);
     EXPECT_EQ(defaults.strings("ids"), (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(defaults.dictionary("map"), Json({{"a", true}}));
     defaults.set("days", "thirty");
-    EXPECT_EQ(defaults.integer("days"), 0);
+    EXPECT_FALSE(defaults.integer("days"));
     defaults.remove("days");
     EXPECT_EQ(defaults.integer("days"), 1);
     EXPECT_TRUE(defaults.strings("missing").empty());

@@ -27,23 +27,25 @@ protected:
 };
 
 TEST_F(FleetMonitorTest, runsOnePassAtATimeAndOneMoreForAllThatWasAskedMeanwhile) {
-    monitor.start();
+    begin({});
+    const auto first = passes.size();
     for (int request = 0; request < 10; ++request)
         monitor.refresh();
     finishAll();
-    EXPECT_EQ(passes.size(), 2U);
+    EXPECT_EQ(passes.size() - first, 2U);
 
     loop.change(home.at("state/status"));
     loop.change(home.at("sessions"));
     finishAll();
-    EXPECT_EQ(passes.size(), 4U) << "both folders are watched; the second change came meanwhile";
+    EXPECT_EQ(passes.size() - first, 4U)
+        << "both folders are watched; the second change came meanwhile";
 
     loop.advance(Seconds(4.9));
     finishAll();
-    EXPECT_EQ(passes.size(), 4U);
+    EXPECT_EQ(passes.size() - first, 4U);
     loop.advance(Seconds(0.2));
     finishAll();
-    EXPECT_EQ(passes.size(), 5U) << "the timer is the safety net";
+    EXPECT_EQ(passes.size() - first, 5U) << "the timer is the safety net";
 }
 
 TEST_F(FleetMonitorTest, looksAgainWhenAStateIsNotSettled) {
@@ -110,6 +112,7 @@ TEST_F(FleetMonitorTest, publishesOnlyWhatDiffers) {
     EXPECT_EQ(watcher.changes, before + 1);
     EXPECT_EQ(monitor.attentionCount(), 1U);
     EXPECT_EQ(monitor.workingCount(), 0U);
+    EXPECT_EQ(badges, std::vector<std::size_t>{1});
 }
 
 TEST_F(FleetMonitorTest, dismissesWhatHasEnded) {
@@ -122,18 +125,57 @@ TEST_F(FleetMonitorTest, dismissesWhatHasEnded) {
     EXPECT_TRUE(monitor.notice("running"));
     EXPECT_EQ(dismissed(), std::vector<std::string>{"ended"});
 
-    next = {.sessions = {running}, .leftOut = {"ended"}};
+    next = {.sessions = {running}, .leftOut = {{"ended", SessionState::dormant}}};
     finishAll();
     EXPECT_EQ(passes.back().dismissed, std::set<std::string>{"ended"});
     EXPECT_EQ(dismissed(), std::vector<std::string>{"ended"}) << "it is only left out";
 
     next.leftOut.clear();
-    monitor.change(Settings::showDormant, false);
+    next.searchedEnded = false;
+    monitor.refresh();
     finishAll();
-    EXPECT_EQ(dismissed().size(), 1U) << "nobody looked for ended sessions";
-    monitor.change(Settings::showDormant, true);
+    EXPECT_EQ(dismissed().size(), 1U) << "nobody could look for ended sessions";
+    next.searchedEnded = true;
+    monitor.refresh();
     finishAll();
     EXPECT_TRUE(dismissed().empty()) << "it is gone for good";
+}
+
+TEST_F(FleetMonitorTest, listsADismissedSessionAgainWhenItAsksSomething) {
+    settings.set(Settings::dismissedSessionIds, {"tool"});
+    next.leftOut = {{"tool", SessionState::waiting}};
+    begin({});
+    EXPECT_EQ(dismissed().size(), 1U) << "it asked before";
+    for (const SessionState state : {SessionState::working, SessionState::decision}) {
+        next.leftOut = {{"tool", state}};
+        monitor.refresh();
+        finishAll();
+    }
+    EXPECT_TRUE(dismissed().empty());
+    EXPECT_TRUE(passes.back().dismissed.empty()) << "and is looked for at once";
+}
+
+TEST_F(FleetMonitorTest, beginsWithAPreviewThatNothingFollowsFrom) {
+    next.sessions = {session("a", SessionState::waiting)};
+    settings.set(Settings::dismissedSessionIds, {"ended"});
+    monitor.start();
+    loop.finishBackground();
+    EXPECT_TRUE(passes.front().isPreview);
+    EXPECT_EQ(ids(), std::vector<std::string>{"a"});
+    EXPECT_EQ(dismissed().size(), 1U);
+    next.sessions.front().state = SessionState::working;
+    finishAll();
+    EXPECT_FALSE(passes.back().isPreview);
+    EXPECT_TRUE(transitions.notes.empty());
+}
+
+TEST_F(FleetMonitorTest, saysWhenAFileDoesNotAnswer) {
+    begin({session("a", SessionState::working)});
+    monitor.refresh();
+    loop.advance(Seconds(16));
+    EXPECT_TRUE(monitor.isLate());
+    finishAll();
+    EXPECT_FALSE(monitor.isLate());
 }
 
 TEST_F(FleetMonitorTest, aPassThatBeganBeforeADismissalDoesNotBringItBack) {
@@ -197,6 +239,8 @@ TEST_F(FleetMonitorTest, movesTheClockOnlyAsOftenAsItIsRead) {
         const int before = watcher.ticks;
         loop.advance(Seconds(10));
         EXPECT_EQ(watcher.ticks - before, row.ticksInTenSeconds);
+        finishAll();
+        loop.advance(Seconds(1));
         finishAll();
     }
 }

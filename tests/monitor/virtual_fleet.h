@@ -52,8 +52,9 @@ public:
         finishAll();
     }
     void finishAll() {
-        while (loop.backgroundJobs() > 0)
-            loop.finishBackground();
+        do {
+            loop.advance(Seconds(0));
+        } while (loop.finishBackground() > 0);
     }
     std::vector<std::string> ids() const {
         std::vector<std::string> listed;
@@ -74,6 +75,7 @@ public:
     FleetSnapshot::Collection next;                  ///< what the next passes bring
     std::vector<FleetSnapshot::Input> passes;        ///< the passes so far
     std::vector<std::string> commands;               ///< "focus ID" and "resume ID", as they came
+    std::vector<std::size_t> badges;                 ///< the counts shown in the dock
     tl::expected<void, std::string> commandOutcome;  ///< of the next commands
 
     FleetMonitor monitor{environment()};
@@ -100,6 +102,7 @@ private:
             .reactions = {&transitions, &attentionLog},
             .focus = [this](const Session& session) { return carriedOut("focus " + session.id); },
             .resume = [this](const Session& session) { return carriedOut("resume " + session.id); },
+            .showDockBadge = [this](std::size_t count) { badges.push_back(count); },
             .calendar = date::locate_zone("Europe/Berlin"),
             .home = home.path(),
         };

@@ -13,7 +13,7 @@ namespace {
 TEST(QtUserDefaults, keepEveryTypeAcrossRuns) {
     const TemporaryDirectory config;
     ::setenv("XDG_CONFIG_HOME", config.path().c_str(), 1);
-    EXPECT_FALSE(QtUserDefaults().boolean("missing"));
+    EXPECT_FALSE(QtUserDefaults().boolean("missing").has_value());
     EXPECT_FALSE(std::filesystem::exists(config.at("Fleetwise"))) << "reading must write nothing";
     {
         QtUserDefaults defaults;
@@ -26,7 +26,7 @@ TEST(QtUserDefaults, keepEveryTypeAcrossRuns) {
         defaults.remove("gone");
     }
     const QtUserDefaults defaults;
-    EXPECT_TRUE(defaults.boolean("isMuted"));
+    EXPECT_EQ(defaults.boolean("isMuted"), true);
     EXPECT_EQ(defaults.integer("dormantRetentionDays"), 30);
     EXPECT_EQ(defaults.string("doneSound"), "—");
     EXPECT_EQ(defaults.strings("favoriteSessionIds"), (std::vector<std::string>{"a,b", "c"}));

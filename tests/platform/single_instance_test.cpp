@@ -49,7 +49,7 @@ protected:
         std::atomic<bool> isDone = false;
         StartOutcome outcome = StartOutcome::first;
         std::thread later([&] {
-            SingleInstance instance(socketPath);
+            SingleInstance instance(lockFile, socketPath);
             outcome = instance.tryBecomeFirst(message, {});
             isDone = true;
         });
@@ -73,9 +73,10 @@ protected:
     }
 
     TemporaryDirectory home;
+    std::string lockFile = home.at("state/application.lock");
     std::string socketPath = home.at("run/fleetwise.socket");
     std::vector<std::string> messages;
-    SingleInstance first{socketPath};
+    SingleInstance first{lockFile, socketPath};
 };
 
 TEST_F(SingleInstanceTest, laterStartsHandOverWhatTheyAreFor) {
@@ -118,8 +119,19 @@ TEST_F(SingleInstanceTest, servesStartsBesideClientsThatSayNothing) {
 
 TEST_F(SingleInstanceTest, saysWhereTheFirstOneDoesNotAnswer) {
     // The loop that would answer does not run meanwhile.
-    SingleInstance later(socketPath);
+    SingleInstance later(lockFile, socketPath);
     EXPECT_EQ(later.tryBecomeFirst("", {}), StartOutcome::unreachable);
+}
+
+TEST_F(SingleInstanceTest, staysTheOnlyOneWhenItsLockIsRemoved) {
+    std::filesystem::remove(lockFile);
+    EXPECT_EQ(startLater(""), StartOutcome::handedOver);
+    EXPECT_THAT(messages, ElementsAre(""));
+}
+
+TEST_F(SingleInstanceTest, isFoundByAStartWithAnotherRuntimeFolder) {
+    socketPath = home.at("elsewhere/fleetwise.socket");
+    EXPECT_EQ(startLater("fleetwise://x"), StartOutcome::handedOver);
 }
 
 class CrashedInstanceTest : public EventLoopTest {};
@@ -134,10 +146,9 @@ TEST_F(CrashedInstanceTest, losesItsPlace) {
         std::strncpy(address.sun_path, socketPath.c_str(), sizeof address.sun_path - 1);
         const void* raw = &address;
         ASSERT_EQ(::bind(abandoned.get(), static_cast<const ::sockaddr*>(raw), sizeof address), 0);
-        home.write("fleetwise.socket.lock", "");
     }
     ASSERT_TRUE(std::filesystem::exists(socketPath));
-    SingleInstance instance(socketPath);
+    SingleInstance instance(home.write("application.lock", "an older place"), socketPath);
     EXPECT_EQ(instance.tryBecomeFirst("", {}), StartOutcome::first);
 }
 

@@ -99,8 +99,23 @@ TEST_F(FleetListModelTest, tellsOnlyTheTimesThatMoved) {
     loop.advance(Seconds(3));
     EXPECT_EQ(changes.size(), 3);
     EXPECT_EQ(model.row(model.indexOf("a")).elapsed, "3 s");
-    loop.advance(Seconds(65));
+    for (int round = 0; round < 13; ++round) {
+        finishAll();
+        loop.advance(Seconds(5));
+    }
     EXPECT_EQ(model.row(model.indexOf("z")).elapsed, "1 min");
+}
+
+TEST_F(FleetListModelTest, keepsTimesMovingWhilePassesBringNothingNew) {
+    Session working = session("a", SessionState::working);
+    working.stateSince = start - Seconds(170);
+    begin({working});
+    monitor.setVisibility([] { return true; });
+    for (int second = 0; second < 15; ++second) {
+        loop.advance(Seconds(1));
+        finishAll();
+    }
+    EXPECT_EQ(model.row(model.indexOf("a")).elapsed, "3 min");
 }
 
 TEST_F(FleetListModelTest, tellsARowInWords) {
@@ -114,8 +129,9 @@ TEST_F(FleetListModelTest, tellsARowInWords) {
     settings.set(Settings::favoriteSessionIds, {"a"});
     begin({asked});
     const QModelIndex index = model.indexOf("a");
-    EXPECT_EQ(index.data(Qt::AccessibleTextRole).toString(),
-              "Rename billing, Entscheidung nötig, Which colour?, a, main, kitty, Favorit");
+    EXPECT_EQ(
+        index.data(Qt::AccessibleTextRole).toString(),
+        "Rename billing, Entscheidung nötig, Which colour?, a, main, kitty, Opus 5.5, Favorit");
     EXPECT_EQ(model.row(index).model, "Opus 5.5");
     commandOutcome = tl::unexpected(std::string("Kein Fenster"));
     monitor.focus("a");

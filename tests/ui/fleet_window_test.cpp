@@ -9,11 +9,13 @@
 #include "ui/fleet_view.h"
 #include "ui/hook_banner.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace fleetwise::testing {
@@ -31,6 +33,13 @@ protected:
     FleetView& view() { return *window.findChild<FleetView*>(); }
     void select(const char* id) { view().setCurrentIndex(model.indexOf(id)); }
     void press(Qt::Key key) { QTest::keyClick(&view(), key); }
+    bool says(const std::string& text) const {
+        const auto labels = window.findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+            return label->isVisible() &&
+                   label->text().toStdString().find(text) != std::string::npos;
+        });
+    }
     QPushButton& button(const QString& text) {
         for (QPushButton* each : window.findChildren<QPushButton*>()) {
             if (each->text() == text) return *each;
@@ -62,6 +71,21 @@ TEST_F(FleetWindowTest, isWorkedByKeys) {
     EXPECT_EQ(view().currentIndex(), model.indexOf("a"));
 }
 
+TEST(EmptyFleetWindow, tellsANewUserWhatToDo) {
+    VirtualFleet fleet;
+    FleetListModel model(fleet.monitor, [&] { return fleet.monitor.groups(); });
+    const FleetWindow window(fleet.monitor, model);
+    const auto says = [&](const QString& text) {
+        for (const QLabel* label : window.findChildren<QLabel*>()) {
+            if (label->text().contains(text)) return true;
+        }
+        return false;
+    };
+    EXPECT_TRUE(says("werden gesucht"));
+    fleet.begin({});
+    EXPECT_TRUE(says("Noch keine Sitzung"));
+}
+
 TEST_F(FleetWindowTest, searchesAndFilters) {
     auto& search = *window.findChild<QLineEdit*>();
     QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
@@ -91,6 +115,7 @@ TEST_F(FleetWindowTest, installsTheHookAfterASecondYes) {
     EXPECT_FALSE(std::filesystem::exists(home.at("settings.json"))) << "asked, not yet told to";
     button("Abbrechen").click();
     button("Hook einrichten …").click();
+    EXPECT_TRUE(says(home.at("settings.json"))) << "what is written is named";
     button("Einrichten").click();
     finishAll();
     EXPECT_TRUE(std::filesystem::exists(home.at("settings.json")));
@@ -100,9 +125,10 @@ TEST_F(FleetWindowTest, installsTheHookAfterASecondYes) {
 TEST_F(FleetWindowTest, saysWhyItIsEmptyAndStaysWithoutATray) {
     monitor.setSearch("nowhere");
     EXPECT_FALSE(view().isVisible());
+    EXPECT_TRUE(says("Keine Sitzung passt"));
     window.setClosing(FleetWindow::Closing::minimises);
     window.close();
-    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(window.isMinimized());
     window.setClosing(FleetWindow::Closing::hides);
     window.close();
     EXPECT_FALSE(window.isVisible());

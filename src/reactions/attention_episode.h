@@ -24,8 +24,9 @@ struct AttentionEpisode {
 };
 
 /// Reads {"version": 1, "episodes": [{"sessionId", "state", "project", "began", "ended"}]}, dates
-/// in ISO 8601. Damaged entries are left out; a missing file holds none, and
-/// one that is too large, damaged or of another version is put aside as "PATH.unreadable". An error where something stands there that could not be read.
+/// in ISO 8601. Damaged entries are left out; a missing file holds none, and one that is too large,
+/// damaged or of another version is put aside as "PATH.unreadable". An error where something stands
+/// there that could not be read.
 tl::expected<std::vector<AttentionEpisode>, FileError> loadAttentionEpisodes(
     const std::string& path);
 

@@ -202,7 +202,6 @@ void FleetMonitor::publish(std::vector<Session> sessions) {
     const bool isFirst = std::exchange(hasPublished, true) == false;
     const bool differs = sessions != list;
     list = std::move(sessions);
-    suggested = federationSuggestions(list);
     const bool isRegrouped = regroup();
     updateDockBadge();
     if (!isFirst && !differs && !isRegrouped) return;

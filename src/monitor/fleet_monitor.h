@@ -1,6 +1,5 @@
 #pragma once
 
-#include "fleet/federations.h"
 #include "fleet/fleet_snapshot.h"
 #include "fleet/session_groups.h"
 #include "foundation/main_loop.h"
@@ -87,7 +86,6 @@ public:
     const std::vector<Session>& sessions() const { return list; }
     const Session* session(const std::string& id) const;
     const std::vector<SessionGroup>& groups() const { return grouped; }
-    const std::vector<FederationSuggestion>& suggestions() const { return suggested; }
     std::size_t attentionCount() const;
     std::size_t workingCount() const;
     Date lastRefresh() const { return refreshedAt; }
@@ -192,7 +190,6 @@ private:
 
     std::vector<Session> list;
     std::vector<SessionGroup> grouped;
-    std::vector<FederationSuggestion> suggested;
     std::map<std::string, SessionState> previousStates;
     std::map<std::string, SessionState> previouslyLeftOut;
     std::map<std::string, std::string> federations;  ///< by session id, as marks told

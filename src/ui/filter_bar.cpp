@@ -5,12 +5,15 @@
 #include "ui/row_geometry.h"
 #include "ui/search_field.h"
 #include "ui/theme.h"
+#include "ui/view_menu.h"
 
 #include <QBoxLayout>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QSignalBlocker>
+#include <QToolButton>
 
 namespace fleetwise {
 
@@ -53,6 +56,13 @@ FilterBar::FilterBar(FleetMonitor& givenMonitor, QWidget* parent)
     for (QWidget* widget : {static_cast<QWidget*>(grouping), static_cast<QWidget*>(order),
                             static_cast<QWidget*>(density)})
         layout->addWidget(widget);
+    auto* view = new QToolButton;
+    view->setText(shown("Ansicht"_text));
+    view->setAutoRaise(true);
+    view->setFocusPolicy(Qt::StrongFocus);
+    view->setPopupMode(QToolButton::InstantPopup);
+    view->setMenu(makeViewMenu(monitor, view));
+    layout->addWidget(view);
     showSettings();
     monitor.addObserver(*this);
 }

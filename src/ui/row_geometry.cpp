@@ -13,6 +13,7 @@ constexpr int comfortableHeight = 54;
 constexpr int lowestHeading = 40;
 constexpr int barWidth = 48;
 constexpr int barHeight = 4;
+constexpr int lineGap = 3;
 
 constexpr int narrowRow = 480;  ///< below it only what tells sessions apart
 constexpr int wideRow = 900;    ///< from it on a compact row has room for its origin
@@ -54,12 +55,10 @@ RowGeometry compactGeometry(RowGeometry geometry, const QRect& content, const Ro
 RowGeometry comfortableGeometry(RowGeometry geometry, const QRect& content,
                                 const RowTextSizes& sizes) {
     const int width = content.width();
-    const int half = content.height() / 2;
-    const int texts = sizes.lineHeight + sizes.smallLineHeight;
-    const int spread = std::max(0, (content.height() - texts) / 3);
-    const QRect upper(content.left(), content.top() + spread, width, sizes.lineHeight);
-    const QRect lower(content.left(), std::max(content.top() + half, upper.bottom() + 1), width,
-                      sizes.smallLineHeight);
+    const int texts = sizes.lineHeight + lineGap + sizes.smallLineHeight;
+    const int top = content.top() + std::max(0, (content.height() - texts) / 2);
+    const QRect upper(content.left(), top, width, sizes.lineHeight);
+    const QRect lower(content.left(), upper.bottom() + 1 + lineGap, width, sizes.smallLineHeight);
     RightEnd upperEnd(upper);
     geometry.time = upperEnd.take(sizes.timeWidth, sizes.lineHeight);
     geometry.place = upperEnd.take(width * (width < narrowRow ? 24 : 30) / 100, sizes.lineHeight);

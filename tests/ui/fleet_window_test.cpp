@@ -11,6 +11,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -105,6 +106,22 @@ TEST_F(FleetWindowTest, searchesAndFilters) {
     EXPECT_EQ(settings.get(Settings::activeFilters), std::vector<std::string>{"working"});
     EXPECT_FALSE(model.indexOf("a").isValid());
     EXPECT_TRUE(model.indexOf("b").isValid());
+}
+
+TEST_F(FleetWindowTest, bringsRemovedSessionsBack) {
+    select("z");
+    press(Qt::Key_Delete);
+    EXPECT_FALSE(model.indexOf("z").isValid());
+    auto& menu = *window.findChild<FilterBar*>()->findChild<QMenu*>();
+    emit menu.aboutToShow();
+    const auto actions = menu.actions();
+    const auto action = std::find_if(actions.begin(), actions.end(), [](const QAction* each) {
+        return each->text().startsWith("Entfernte");
+    });
+    ASSERT_NE(action, actions.end());
+    (*action)->trigger();
+    finishAll();
+    EXPECT_TRUE(model.indexOf("z").isValid());
 }
 
 TEST_F(FleetWindowTest, installsTheHookAfterASecondYes) {

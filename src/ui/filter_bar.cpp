@@ -13,7 +13,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QSignalBlocker>
-#include <QToolButton>
 
 namespace fleetwise {
 
@@ -56,10 +55,8 @@ FilterBar::FilterBar(FleetMonitor& givenMonitor, QWidget* parent)
     for (QWidget* widget : {static_cast<QWidget*>(grouping), static_cast<QWidget*>(order),
                             static_cast<QWidget*>(density)})
         layout->addWidget(widget);
-    auto* view = new QToolButton;
-    view->setText(shown("Ansicht"_text));
-    view->setAutoRaise(true);
-    view->setFocusPolicy(Qt::StrongFocus);
+    auto* view = new ChipButton(shown("Ansicht"_text));
+    view->setCheckable(false);
     view->setPopupMode(QToolButton::InstantPopup);
     view->setMenu(makeViewMenu(monitor, view));
     layout->addWidget(view);

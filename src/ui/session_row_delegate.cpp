@@ -201,14 +201,15 @@ void SessionRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
 void SessionRowDelegate::paintHeading(QPainter& painter, const QStyleOptionViewItem& option,
                                       const SessionRow& row) const {
     const Palette palette = paletteOf(option.palette);
-    const int height = QFontMetrics(option.font).height();
+    const QFont font = headingFont(option.font);
+    const int height = QFontMetrics(font).height();
     QRect line(option.rect.left() + Metrics::margin, option.rect.bottom() - height - Metrics::grid,
                option.rect.width() - 2 * Metrics::margin, height);
     const QRectF chevron(line.left() + (Metrics::glyphSide - chevronSide) / 2.0,
                          line.center().y() - chevronSide / 2.0 + 0.5, chevronSide, chevronSide);
     paintChevron(painter, chevron, row.isFolded, palette.secondary);
     line.adjust(Metrics::glyphSide + Metrics::gap, 0, 0, 0);
-    painter.setFont(emphasisedFont(option.font));
+    painter.setFont(font);
     line.adjust(write(painter, line, row.name, palette.text) + Metrics::gap, 0, 0, 0);
     painter.setFont(smallFont(option.font));
     const QString count = QString::number(row.count);

@@ -158,6 +158,7 @@ TEST_F(DirectoryWatcherTest, standsTheSystemsRefusalAndTriesAgain) {
     {
         // The sanitizers open files when they meet a type for the first time.
         const auto timer = clock.every(Seconds(60), [] {});
+        const auto watcher = startDirectoryWatcher(clock, home.at("status"), [] {});
         clock.advance(Seconds(60));
     }
     {

@@ -182,20 +182,22 @@ void FleetMonitor::pruneDismissed(const FleetSnapshot::Collection& collection) {
     for (const Session& session : collection.sessions)
         present.insert(session.id);
     auto dismissed = environment.settings.get(Settings::dismissedSessionIds);
-    const auto pruned = std::erase_if(dismissed, [&](const std::string& id) {
+    const auto isGone = [&](const std::string& id) {
+        return collection.searchedEnded && !present.contains(id) &&
+               !collection.leftOut.contains(id);
+    };
+    const auto hasComeToAsk = [&](const std::string& id) {
         const auto hidden = collection.leftOut.find(id);
-        if (hidden == collection.leftOut.end()) {
-            return collection.searchedEnded && !present.contains(id);
-        }
-        // One that has come to ask something since is to be seen again.
         const auto before = previouslyLeftOut.find(id);
-        return asksSomething(hidden->second) && before != previouslyLeftOut.end() &&
-               before->second != hidden->second;
-    });
+        return hidden != collection.leftOut.end() && asksSomething(hidden->second) &&
+               before != previouslyLeftOut.end() && before->second != hidden->second;
+    };
+    const auto shownAgain = std::erase_if(dismissed, hasComeToAsk);
+    const auto gone = std::erase_if(dismissed, isGone);
     previouslyLeftOut = collection.leftOut;
-    if (pruned == 0) return;
+    if (shownAgain + gone == 0) return;
     environment.settings.set(Settings::dismissedSessionIds, dismissed);
-    wantsAnotherCollection = true;
+    if (shownAgain > 0) wantsAnotherCollection = true;
 }
 
 void FleetMonitor::publish(std::vector<Session> sessions) {

@@ -36,13 +36,13 @@ bool isIdCharacter(char character) {
            character == '-';
 }
 
-/// The folder `name` in `parent`, made where it is missing.
+/// The folder `name` in `parent`, made where it is missing, be it by another event's program at
+/// the same moment.
 FileDescriptor openFolder(int parent, const char* name) {
     FileDescriptor folder(::openat(parent, name, folderFlags));
-    if (!folder && errno == ENOENT && ::mkdirat(parent, name, privateFolder) == 0) {
-        folder = FileDescriptor(::openat(parent, name, folderFlags));
-    }
-    return folder;
+    if (folder || errno != ENOENT) return folder;
+    if (::mkdirat(parent, name, privateFolder) != 0 && errno != EEXIST) return folder;
+    return FileDescriptor(::openat(parent, name, folderFlags));
 }
 
 FileDescriptor openStateFolder(std::string_view home) {

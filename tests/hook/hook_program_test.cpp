@@ -59,6 +59,20 @@ TEST(HookProgram, countsAHundredAtOnce) {
     EXPECT_THAT(hook.names("locks"), IsEmpty());
 }
 
+TEST(HookProgram, losesNothingWhereItMakesItsFolders) {
+    for (int round = 0; round < 50; ++round) {
+        const HookProgram hook;
+        constexpr int programs = 6;
+        std::vector<pid_t> processes;
+        for (int number = 0; number < programs; ++number)
+            processes.push_back(hook.start("SubagentStart", ofAgent(number)));
+        for (const pid_t process : processes)
+            EXPECT_EQ(exitStatusOf(process), 0);
+        ASSERT_TRUE(hook.record("s1"));
+        EXPECT_EQ(hook.record("s1")->subagents, programs) << contentsOf(hook.home.at("faults"));
+    }
+}
+
 TEST(HookProgram, losesNothingInARow) {
     const HookProgram hook;
     constexpr int rounds = 1000;

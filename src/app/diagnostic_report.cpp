@@ -17,6 +17,7 @@ void printDirectories(Output out, const Diagnostics& diagnostics) {
     fmt::format_to(out, "Registry   {}\n", printable(diagnostics.registryDirectory));
     fmt::format_to(out, "Status:    {}\n", printable(diagnostics.statusDirectory));
     fmt::format_to(out, "Desktop:   {}\n", printable(diagnostics.desktopDirectory));
+    fmt::format_to(out, "Codex:     {}\n", printable(diagnostics.codexDirectory));
     fmt::format_to(out, "Hooks:     {}\n",
                    diagnostics.hooksInstalled ? "installiert" : "NICHT installiert");
 }
@@ -46,6 +47,13 @@ void printTimings(Output out, const Diagnostics& diagnostics) {
         fmt::format_to(out,
                        "           Überwachung: Grenze des Systems erreicht, Änderungen zeigen "
                        "sich erst beim nächsten Durchgang (alle 5 s)\n");
+    }
+    if (const auto& codex = diagnostics.collection.codexFiles;
+        codex.sessions + codex.branches + codex.compressed > 0) {
+        fmt::format_to(out,
+                       "           Codex: {} Sitzungen gelesen, dazu {} Abzweigungen und "
+                       "Unteragenten; {} komprimierte Rollouts nicht geöffnet\n",
+                       codex.sessions, codex.branches, codex.compressed);
     }
     for (const auto& [source, skipped] : diagnostics.collection.skipped) {
         fmt::format_to(out,

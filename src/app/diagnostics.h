@@ -18,6 +18,7 @@ struct Diagnostics {
     std::string registryDirectory;
     std::string statusDirectory;
     std::string desktopDirectory;
+    std::string codexDirectory;
     bool hooksInstalled = false;
     bool hookIsCurrent = true;
 

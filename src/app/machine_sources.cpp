@@ -12,12 +12,15 @@ MachineSources::MachineSources()
     : processTree(ProcessTable::system(),
                   DesktopEntry::applicationFolders(Paths::home(), environmentVariable)),
       transcripts(Paths::projectsDir()),
-      tasks(Paths::tasksDir()) {}
+      tasks(Paths::tasksDir()),
+      codexProcesses(ProcessTable::system()) {}
 
 FleetSnapshot::Sources MachineSources::sources() {
     return {.statusDirectory = Paths::statusDir(),
             .sessionsDirectory = Paths::sessionsDir(),
             .projectsDirectory = Paths::projectsDir(),
+            .desktopDirectory = Paths::desktopCodeSessions(),
+            .codexDirectory = Paths::codexDir(),
             .userId = ::getuid(),
             .processes = ProcessTable::system(),
             .processTree = processTree,
@@ -25,8 +28,9 @@ FleetSnapshot::Sources MachineSources::sources() {
             .tasks = tasks,
             .backgroundTasks = backgroundTasks,
             .git = git,
-            .desktopSessions = {},
-            .rollouts = {}};
+            .desktop = DesktopMetadataStore::shared(),
+            .rollouts = rollouts,
+            .codexProcesses = codexProcesses};
 }
 
 }  // namespace fleetwise

@@ -18,6 +18,8 @@ private:
     TaskListStore tasks;
     BackgroundTaskStore backgroundTasks;
     GitStore git;
+    CodexRollouts rollouts;
+    CodexProcesses codexProcesses;
 };
 
 }  // namespace fleetwise

@@ -49,6 +49,7 @@ std::string runReport(UserDefaults& defaults, const LanguageChoice& language) {
     diagnostics.registryDirectory = Paths::sessionsDir();
     diagnostics.statusDirectory = Paths::statusDir();
     diagnostics.desktopDirectory = Paths::desktopCodeSessions();
+    diagnostics.codexDirectory = Paths::codexDir();
     diagnostics.hooksInstalled =
         HookInstaller::isInstalled(Paths::settingsFile(), Paths::installedHook());
     // Only an installed copy is renewed, so only that can be out of date.

@@ -118,10 +118,14 @@ void addStatistics(Block& block, const Session& session) {
     if (!session.stats) return;
     const auto& stats = *session.stats;
     const double fill = session.contextFill({}).value_or(0);
-    block.verbatim(
-        fmt::format("    Statistik: Kontext {} % von {}, {} Antworten, {} Tool-Aufrufe, Ausgabe {}",
-                    std::lround(fill * 100), groupedNumber(session.contextLimit({})),
-                    stats.assistantTurns, stats.toolCalls, groupedNumber(stats.outputTokens)));
+    std::string text = fmt::format("    Statistik: Kontext {} % von {}", std::lround(fill * 100),
+                                   groupedNumber(session.contextLimit({})));
+    // Of a rollout only the ends are read, so nothing in it is counted.
+    if (!session.agent.isCodex()) {
+        text += fmt::format(", {} Antworten, {} Tool-Aufrufe", stats.assistantTurns,
+                            stats.toolCalls);
+    }
+    block.verbatim(text + fmt::format(", Ausgabe {}", groupedNumber(stats.outputTokens)));
     if (!stats.countsAreComplete && session.agent.isClaude()) {
         block.verbatim("    nur Tail gelesen (Transcript zu groß)");
     }

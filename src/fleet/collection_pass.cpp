@@ -1,5 +1,6 @@
 #include "fleet/collection_pass.h"
 
+#include "fleet/codex_threads.h"
 #include "sources/project_folder.h"
 
 #include <algorithm>
@@ -21,7 +22,7 @@ CollectionPass::CollectionPass(const FleetSnapshot::Input& givenInput,
       rules{.now = givenNow, .doneGracePeriod = givenInput.doneGracePeriod} {}
 
 void CollectionPass::loadDesktopMetadata() {
-    if (sources.desktopSessions) desktopSessions = sources.desktopSessions(skippedDesktop);
+    desktopSessions = sources.desktop.load(sources.desktopDirectory, skippedDesktop);
 }
 
 void CollectionPass::loadStatusRecords() {
@@ -50,12 +51,21 @@ void CollectionPass::addDormantSessions() {
 }
 
 void CollectionPass::addCodexSessions() {
-    if (!sources.rollouts) return;
-    for (const auto& rollout : sources.rollouts(now)) {
-        rolloutIds.insert(rollout.sessionId);
-        if (isListed(rollout.sessionId)) continue;
-        Session session = codexSession(rollout, rules);
+    if (!CodexStore::isAvailable(joinPath(sources.codexDirectory, "sessions"))) return;
+    const auto processes = sources.codexProcesses.observe(now);
+    auto listing = sources.rollouts.load(
+        sources.codexDirectory,
+        [&](const FoundFile& file) { return isRolloutWished(file, processes); }, skippedRollouts);
+    rolloutIds = std::move(listing.sessionIds);
+    const auto threads = codexThreads(listing.rollouts, processes, now);
+    collection.codexFiles = {.sessions = threads.size(),
+                             .branches = listing.rollouts.size() - threads.size(),
+                             .compressed = listing.compressed};
+    for (const CodexThread& thread : threads) {
+        if (isListed(thread.rollout.sessionId)) continue;
+        Session session = codexSession(thread, recordOf(thread.rollout.sessionId), rules);
         if (session.isLive || (isRecentEnough(session) && mayList(session.id, session.state))) {
+            findHost(session);
             add(std::move(session));
         }
     }
@@ -89,9 +99,11 @@ void CollectionPass::describeSessions() {
         describeBackground(session, endings);
         if (session.cwd) session.gitBranch = sources.git.branch(*session.cwd, now);
         session.isFavorite = input.keepRegardlessOfAge.contains(session.id);
-        const DesktopMetadata* desktop = desktopOf(session.id);
-        if (desktop != nullptr && desktop->title && session.title == desktop->title) {
-            collection.titledByDesktop.insert(session.id);
+        if (const DesktopMetadata* desktop = desktopOf(session.id)) {
+            if (!session.model) session.model = desktop->model;
+            if (desktop->title && session.title == desktop->title) {
+                collection.titledByDesktop.insert(session.id);
+            }
         }
     }
     skippedTranscripts += sources.transcripts.takeSkipped();
@@ -126,7 +138,7 @@ FleetSnapshot::Collection CollectionPass::takeCollection() {
     for (const auto& [source, tally] :
          {std::pair("Desktop", skippedDesktop), std::pair("Status", skippedStatus),
           std::pair("Registry", skippedRegistry), std::pair("Transkripte", skippedTranscripts),
-          std::pair("Aufgaben", skippedTasks)}) {
+          std::pair("Aufgaben", skippedTasks), std::pair("Codex", skippedRollouts)}) {
         if (tally.total() > 0) collection.skipped.emplace_back(source, tally);
     }
     return std::move(collection);
@@ -143,6 +155,16 @@ bool CollectionPass::isRecentEnough(const Session& session) const {
     if (!session.lastActivityAt) return false;
     // A date ahead of the clock is no younger than now.
     return std::max(Seconds(0), now - *session.lastActivityAt) < *input.dormantMaxAge;
+}
+
+bool CollectionPass::isRolloutWished(const FoundFile& file,
+                                     const std::vector<CodexProcess>& processes) const {
+    const Seconds age = now - modificationDate(file.stamp);
+    const Seconds limit = std::min(input.dormantMaxAge.value_or(CodexStore::maximumAge),
+                                   CodexStore::maximumAge);
+    return (limit.count() > 0 && age <= limit) || mayBeLive(file, processes, now) ||
+           (!input.keepRegardlessOfAge.empty() &&
+            input.keepRegardlessOfAge.contains(CodexStore::idInName(file.name)));
 }
 
 bool CollectionPass::isEndedSessionOfKnownAgent(const StatusStore::Record& record) const {
@@ -204,7 +226,6 @@ void CollectionPass::findHost(Session& session) {
 std::map<std::string, TaskEnding> CollectionPass::describeFromTranscript(
     Session& session, const TranscriptFile& file) {
     std::map<std::string, TaskEnding> endings;
-    const DesktopMetadata* desktop = desktopOf(session.id);
     if (input.includeStats) {
         if (auto reading = sources.transcripts.read(file)) {
             session.stats = std::move(reading->stats);
@@ -215,7 +236,6 @@ std::map<std::string, TaskEnding> CollectionPass::describeFromTranscript(
             endings = std::move(reading->taskEndings);
         }
     }
-    if (!session.model && desktop != nullptr) session.model = desktop->model;
     if (!session.title || !session.cwd) {
         const auto label = sources.transcripts.label(file);
         if (!session.title) session.title = label.text();

@@ -54,6 +54,7 @@ private:
     /// False, with the id noted as left out, for a dismissed session.
     bool mayList(const std::string& id, SessionState state);
     bool isRecentEnough(const Session& session) const;
+    bool isRolloutWished(const FoundFile& file, const std::vector<CodexProcess>& processes) const;
     bool isEndedSessionOfKnownAgent(const StatusStore::Record& record) const;
     void add(Session session);
 
@@ -78,7 +79,7 @@ private:
     StatusStore::Records records;
     TranscriptIndex transcripts;
     std::unordered_set<std::string> listed;
-    std::unordered_set<std::string> rolloutIds;
+    std::unordered_set<std::string> rolloutIds;  ///< of all rollouts, read or not
     bool isUnsettled = false;
 
     SkipTally skippedDesktop;
@@ -86,6 +87,7 @@ private:
     SkipTally skippedRegistry;
     SkipTally skippedTranscripts;
     SkipTally skippedTasks;
+    SkipTally skippedRollouts;
 
     FleetSnapshot::Collection collection;
     std::vector<FleetSnapshot::Timing> timings;

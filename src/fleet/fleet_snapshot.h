@@ -4,15 +4,15 @@
 #include "fleet/session.h"
 #include "foundation/skip_tally.h"
 #include "sources/background_task_store.h"
-#include "sources/codex_rollout.h"
-#include "sources/desktop_metadata.h"
+#include "sources/codex_processes.h"
+#include "sources/codex_rollouts.h"
+#include "sources/desktop_metadata_store.h"
 #include "sources/git_store.h"
 #include "sources/process_table.h"
 #include "sources/process_tree.h"
 #include "sources/task_list_store.h"
 
 #include <array>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -48,6 +48,8 @@ public:
         std::string statusDirectory;
         std::string sessionsDirectory;
         std::string projectsDirectory;
+        std::string desktopDirectory;  ///< the desktop app's session metadata
+        std::string codexDirectory;    ///< ~/.codex
         std::uint32_t userId = 0;  ///< part of the place of background output
         const ProcessTable& processes;
         ProcessTree& processTree;
@@ -55,10 +57,9 @@ public:
         TaskListStore& tasks;
         BackgroundTaskStore& backgroundTasks;
         GitStore& git;
-        /// The desktop app's sessions and the Codex rollouts; a source that is not there is an
-        /// empty function.
-        std::function<DesktopSessions(SkipTally&)> desktopSessions;
-        std::function<std::vector<CodexRollout>(Date now)> rollouts;
+        DesktopMetadataStore& desktop;
+        CodexRollouts& rollouts;
+        CodexProcesses& codexProcesses;
     };
 
     /// Phase name and milliseconds.
@@ -75,6 +76,13 @@ public:
         bool shouldPrune(Date now, Seconds every);
     };
 
+    /// What became of Codex's files.
+    struct CodexFiles {
+        std::size_t sessions = 0;    ///< rollouts of sessions
+        std::size_t branches = 0;    ///< rollouts of forks and subagents
+        std::size_t compressed = 0;  ///< not opened
+    };
+
     /// What a pass found.
     struct Collection {
         std::vector<Session> sessions;  ///< sorted by Session::precedes
@@ -85,6 +93,7 @@ public:
         bool searchedEnded = true;
         /// Ids whose title is the desktop app's.
         std::set<std::string> titledByDesktop;
+        CodexFiles codexFiles;
         /// Some state is settled only later: another pass is wanted after this time.
         std::optional<Seconds> recheckIn;
         std::vector<std::pair<std::string, SkipTally>> skipped;  ///< per source, where any were

@@ -4,6 +4,8 @@
 #include "fleet/session_builder.h"
 
 #include "fleet/fleet_snapshot.h"
+#include "sources/codex_store.h"
+#include "sources/host_applications.h"
 
 #include <algorithm>
 
@@ -72,6 +74,47 @@ void showState(Session& session, const StateFinding& finding, const BuildingRule
     session.state = FleetSnapshot::effectiveState(session.state, session.wakeupAt, rules.now);
 }
 
+/// The state of a session whose process is gone: what ran with it runs no longer.
+void endSession(Session& session) {
+    session.subagentCount = 0;
+    session.wakeupAt.reset();
+    session.monitors.clear();
+    session.state = SessionState::dormant;
+    session.stateSince = session.lastActivityAt;
+}
+
+/// All but the state, which the rollout and the hook's record may tell differently.
+void takeRollout(Session& session, const CodexThread& thread) {
+    const CodexRollout& rollout = thread.rollout;
+    session.agent = SessionAgent("codex");
+    const auto [origin, bundleId] = CodexStore::attribution(rollout);
+    session.origin = origin;
+    if (const auto host = bundleId ? HostApplications::ofBundleId(*bundleId) : std::nullopt) {
+        session.hostApp = host->name;
+        session.hostBundleId = host->bundleId;
+    }
+    session.title = rollout.title;
+    if (!session.title) session.title = TranscriptReader::cleanedPrompt(rollout.firstPrompt);
+    session.cwd = rollout.cwd;
+    session.model = rollout.model;
+    session.effort = rollout.effort;
+    session.startedAt = rollout.startedAt;
+    session.codexContextWindow = rollout.contextWindow;
+    session.subagentCount = std::max(session.subagentCount, thread.runningSubagents);
+    session.lastEventAt = std::max(session.lastEventAt.value_or(thread.lastActivityAt),
+                                   thread.lastActivityAt);
+    noteActivity(session, session.lastEventAt);
+    session.stats = TranscriptReader::Stats{.contextTokens = rollout.contextTokens,
+                                            .outputTokens = rollout.outputTokens,
+                                            .lastReply = rollout.lastReply};
+}
+
+/// Whether the hook heard of a running session after its rollout last told its state.
+bool isLaterWord(const StatusStore::Record& record, Date told) {
+    return record.stateTs.value_or(lastEventDate(record)) > told &&
+           record.state != rawValue(SessionState::dormant);
+}
+
 /// An error that the desktop app reported after the last event ended the turn.
 void applyDesktopError(Session& session, StateFinding& finding, const DesktopMetadata* desktop) {
     if (desktop == nullptr || !desktop->error || !desktop->errorAt) return;
@@ -93,6 +136,9 @@ Session liveSession(const SessionRegistry::Entry& entry, const StatusStore::Reco
     session.pid = entry.pid;
     session.isLive = true;
     session.origin = sessionOriginFrom(entry.entrypoint);
+    if (session.origin == SessionOrigin::unknown && desktop != nullptr) {
+        session.origin = SessionOrigin::desktop;
+    }
     session.name = entry.userGivenName();
     session.cwd = entry.cwd;
     if (entry.startedAt) session.startedAt = dateFromMilliseconds(*entry.startedAt);
@@ -133,12 +179,7 @@ Session dormantSession(const SessionHistory::Candidate& candidate,
     fill(session.title, candidate.title);
     fill(session.effort, candidate.effort);
     noteActivity(session, candidate.lastActivityAt);
-    // What ran when the process ended runs no longer.
-    session.subagentCount = 0;
-    session.wakeupAt.reset();
-    session.monitors.clear();
-    session.state = SessionState::dormant;
-    session.stateSince = session.lastActivityAt;
+    endSession(session);
     return session;
 }
 
@@ -159,20 +200,28 @@ Session foreignSession(const StatusStore::Record& record, const BuildingRules& r
     return session;
 }
 
-Session codexSession(const CodexRollout& rollout, const BuildingRules& rules) {
+Session codexSession(const CodexThread& thread, const StatusStore::Record* record,
+                     const BuildingRules& rules) {
     Session session;
-    session.id = rollout.sessionId;
-    session.agent = SessionAgent("codex");
-    session.title = rollout.title;
-    session.cwd = rollout.cwd;
-    session.startedAt = rollout.startedAt;
-    session.lastEventAt = rollout.lastEventAt;
-    session.lastActivityAt = rollout.lastEventAt;
-    session.stateSince = rollout.lastEventAt;
-    session.codexContextWindow = rollout.contextWindow;
-    session.stats = TranscriptReader::Stats{.contextTokens = rollout.contextTokens,
-                                            .outputTokens = rollout.outputTokens};
-    showState(session, {.state = rollout.state}, rules);
+    session.id = thread.rollout.sessionId;
+    session.pid = thread.pid;
+    session.isLive = thread.isLive;
+    if (record != nullptr) takeRecord(session, *record);
+    takeRollout(session, thread);
+    if (!session.isLive) {
+        endSession(session);
+        return session;
+    }
+    StateFinding finding{.state = thread.rollout.state};
+    session.stateSince = thread.rollout.stateSince.value_or(thread.rollout.lastEventAt);
+    if (record != nullptr && isLaterWord(*record, *session.stateSince)) {
+        finding.state = repairedState(*record);
+        session.stateSince = recordedSince(*record, finding.state);
+    } else {
+        session.turnStartedAt = thread.rollout.turnStartedAt;
+        session.lastMessage = thread.rollout.failure;
+    }
+    showState(session, finding, rules);
     return session;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "fleet/codex_threads.h"
 #include "fleet/registry_correction.h"
 #include "fleet/session.h"
-#include "sources/codex_rollout.h"
 #include "sources/desktop_metadata.h"
 #include "sources/session_history.h"
 
@@ -28,8 +28,11 @@ Session dormantSession(const SessionHistory::Candidate& candidate,
 /// A session that only a status record tells of. A record younger than a day counts as live.
 Session foreignSession(const StatusStore::Record& record, const BuildingRules& rules);
 
-/// A Codex session from its rollout.
-Session codexSession(const CodexRollout& rollout, const BuildingRules& rules);
+/// A Codex session, with the hook's record where Codex runs the hook too (null otherwise). Of a
+/// live one the record tells the state where its event is later than the rollout's last task
+/// event; an ended one is `dormant`.
+Session codexSession(const CodexThread& thread, const StatusStore::Record* record,
+                     const BuildingRules& rules);
 
 /// When the hook last heard of the session.
 Date lastEventDate(const StatusStore::Record& record);

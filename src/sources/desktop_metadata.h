@@ -10,6 +10,7 @@ namespace fleetwise {
 
 /// What the Claude desktop app keeps about one of its sessions.
 struct DesktopMetadata {
+    std::optional<std::string> cliSessionId;  ///< Claude Code's own id of the session
     std::optional<std::string> title;
     std::optional<std::string> cwd;
     std::optional<std::string> model;

@@ -3,15 +3,17 @@
 #include "foundation/text.h"
 #include "sources/plain_file_name.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <span>
 
 namespace fleetwise {
 
 namespace {
 
 struct KnownProgram {
-    std::string_view program;  ///< the last part of the executable's path
+    std::string_view program;  ///< the last part of the executable's path, or another key
     std::string_view name;
     std::string_view bundleId;
 };
@@ -80,8 +82,20 @@ constexpr auto javaEditors = std::to_array<KnownProgram>({
     {"webstorm", "WebStorm", "jetbrains-webstorm"},
 });
 
+/// The applications that agents name by their identifier on macOS.
+constexpr auto macApplications = std::to_array<KnownProgram>({
+    {"com.microsoft.VSCode", "Visual Studio Code", "code"},
+    {"com.openai.codex", "Codex", "com.openai.codex"},
+    {"com.todesktop.230313mzl4w4u92", "Cursor", "cursor"},
+});
+
 HostApplication hostOf(const KnownProgram& known) {
     return {.name = std::string(known.name), .bundleId = std::string(known.bundleId)};
+}
+
+std::optional<HostApplication> lookUp(std::span<const KnownProgram> table, std::string_view key) {
+    const auto known = std::ranges::find(table, key, &KnownProgram::program);
+    return known == table.end() ? std::nullopt : std::optional(hostOf(*known));
 }
 
 /// Takes what follows the last `separator` off the end of `text`; all of it where there is none.
@@ -133,14 +147,14 @@ std::optional<HostApplication> HostApplications::ofExecutable(std::string_view e
     constexpr std::string_view replacedMark = " (deleted)";
     if (executable.ends_with(replacedMark)) executable.remove_suffix(replacedMark.size());
     const std::string_view program = executable.substr(executable.rfind('/') + 1);
-    for (const KnownProgram& known : knownPrograms) {
-        if (known.program == program) return hostOf(known);
-    }
-    for (const KnownProgram& known : javaEditors) {
-        if (known.program == program) return hostOf(known);
-    }
+    if (auto known = lookUp(knownPrograms, program)) return known;
+    if (auto known = lookUp(javaEditors, program)) return known;
     if (program == "java") return javaEditorAround(executable);
     return {};
+}
+
+std::optional<HostApplication> HostApplications::ofBundleId(std::string_view bundleId) {
+    return lookUp(macApplications, bundleId);
 }
 
 std::optional<std::string> HostApplications::idOfUnit(std::string_view unit) {

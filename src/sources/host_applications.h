@@ -21,6 +21,10 @@ public:
     /// program.
     static std::optional<HostApplication> ofExecutable(std::string_view executable);
 
+    /// The application that macOS knows by this identifier, as it is known here; nothing for one
+    /// that is not among them.
+    static std::optional<HostApplication> ofBundleId(std::string_view bundleId);
+
     /// The desktop-file id within the name of a session manager's unit, after the "Desktop
     /// Environments" conventions of systemd: "app-gnome-org.gnome.Terminal-4711.scope" and
     /// "app-org.kde.konsole@8d2c.service" carry "org.gnome.Terminal" and "org.kde.konsole".

@@ -73,6 +73,9 @@ std::string Paths::promptHistoryFile() {
 std::string Paths::desktopCodeSessions() {
     return inHome("Library/Application Support/Claude/claude-code-sessions");
 }
+std::string Paths::codexDir() {
+    return inHome(".codex");
+}
 
 tl::expected<void, std::error_code> Paths::ensureStateDirectories() {
     return makePrivateDirectory(statusDir());

@@ -31,6 +31,7 @@ public:
     static std::string tasksDir();             ///< Claude Code's task lists
     static std::string promptHistoryFile();    ///< Claude Code's prompt history
     static std::string desktopCodeSessions();  ///< the desktop app's session metadata
+    static std::string codexDir();             ///< Codex's own folder
 
     /// Creates the state folder and its "status" folder, mode 0700.
     static tl::expected<void, std::error_code> ensureStateDirectories();

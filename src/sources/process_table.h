@@ -1,8 +1,13 @@
 #pragma once
 
+#include "foundation/date.h"
+
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace fleetwise {
 
@@ -30,6 +35,22 @@ public:
 
     /// The unit the session manager put it into, such as "app-org.kde.konsole-4711.scope".
     virtual std::optional<std::string> applicationScope(std::int32_t pid) const = 0;
+
+    /// The ids, ascending, of this user's processes whose program's file has one of these names.
+    /// What a process calls itself does not matter, nor whether that file has since been replaced.
+    /// Processes whose program the system does not tell are left out.
+    virtual std::vector<std::int32_t> processesOf(
+        std::span<const std::string_view> fileNames) const = 0;
+
+    /// When it started by the clock on the wall; up to a second too early.
+    virtual std::optional<Date> startedAt(std::int32_t pid) const = 0;
+
+    /// The full path of its working directory, also of one that has since been removed.
+    virtual std::optional<std::string> workingDirectory(std::int32_t pid) const = 0;
+
+    /// The full paths of what it holds open (files, but also folders and devices), in the system's
+    /// order and as often as it opened them. What has no name or was removed is left out.
+    virtual std::vector<std::string> openFiles(std::int32_t pid) const = 0;
 
     /// The machine this program runs on.
     static const ProcessTable& system();

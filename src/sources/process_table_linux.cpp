@@ -6,14 +6,18 @@
 
 #include <fmt/format.h>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <fstream>
+#include <memory>
 
 namespace fleetwise {
 
@@ -55,6 +59,59 @@ std::string_view statField(std::string_view stat, int number) {
     return {};
 }
 
+struct CloseDirectory {
+    void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+/// Calls `visit(descriptor of the folder, name)` for each name in the folder, "." and ".." too.
+template <typename Visit>
+void forEachName(const std::string& folder, Visit visit) {
+    const std::unique_ptr<DIR, CloseDirectory> directory(::opendir(folder.c_str()));
+    if (!directory) return;
+    const int descriptor = ::dirfd(directory.get());
+    while (const dirent* listed = ::readdir(directory.get()))
+        visit(descriptor, listed->d_name);
+}
+
+using PathBuffer = std::array<char, 4096>;
+
+/// Where a link leads, as a view into `buffer`; empty where there is none or it may not be read.
+std::string_view linkTarget(int folder, const char* name, PathBuffer& buffer) {
+    const ssize_t length = ::readlinkat(folder, name, buffer.data(), buffer.size());
+    if (length <= 0) return {};
+    return {buffer.data(), static_cast<std::size_t>(length)};
+}
+
+std::string_view withoutDeletedMark(std::string_view path) {
+    if (path.ends_with(deletedMark)) path.remove_suffix(deletedMark.size());
+    return path;
+}
+
+/// Where /proc/PID/`name` leads, also if that has since been removed.
+std::optional<std::string> procLink(std::int32_t pid, const char* name) {
+    PathBuffer buffer;
+    const std::string link = fmt::format("/proc/{}/{}", pid, name);
+    const std::string_view target = linkTarget(AT_FDCWD, link.c_str(), buffer);
+    if (target.empty()) return {};
+    return std::string(withoutDeletedMark(target));
+}
+
+bool isOfThisUser(int procFolder, const char* pid) {
+    struct ::stat status {};
+    return ::fstatat(procFolder, pid, &status, 0) == 0 && status.st_uid == ::geteuid();
+}
+
+std::optional<Date> readBootTime() {
+    constexpr std::string_view key = "btime ";
+    std::ifstream lines("/proc/stat");
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with(key)) continue;
+        const auto seconds = parsed<std::int64_t>(std::string_view(line).substr(key.size()));
+        if (seconds) return dateFromSeconds(static_cast<double>(*seconds));
+    }
+    return {};
+}
+
 class LinuxProcessTable final : public ProcessTable {
 public:
     bool exists(std::int32_t pid) const override {
@@ -71,15 +128,9 @@ public:
     }
 
     std::optional<std::string> executable(std::int32_t pid) const override {
-        std::array<char, 4096> target{};
-        const std::string link = fmt::format("/proc/{}/exe", pid);
-        const ssize_t length = ::readlink(link.c_str(), target.data(), target.size());
-        if (length <= 0) return {};
-        std::string_view path(target.data(), static_cast<std::size_t>(length));
-        // A program that was updated while it runs: the old file is gone, its path still tells
+        // Of a program that was updated while it runs the old file is gone; its path still tells
         // which program it is.
-        if (path.ends_with(deletedMark)) path.remove_suffix(deletedMark.size());
-        return std::string(path);
+        return procLink(pid, "exe");
     }
 
     std::optional<std::string> applicationScope(std::int32_t pid) const override {
@@ -94,6 +145,46 @@ public:
             if (name.starts_with("app-") && name.ends_with(".scope")) return std::string(name);
         }
         return {};
+    }
+
+    std::vector<std::int32_t> processesOf(
+        std::span<const std::string_view> fileNames) const override {
+        std::vector<std::int32_t> pids;
+        PathBuffer buffer;
+        forEachName("/proc", [&](int folder, const char* name) {
+            const auto pid = parsed<std::int32_t>(name);
+            if (!pid) return;
+            const std::string link = std::string(name) + "/exe";
+            auto program = withoutDeletedMark(linkTarget(folder, link.c_str(), buffer));
+            program.remove_prefix(program.find_last_of('/') + 1);
+            const auto end = fileNames.end();
+            if (std::find(fileNames.begin(), end, program) == end) return;
+            if (isOfThisUser(folder, name)) pids.push_back(*pid);
+        });
+        std::sort(pids.begin(), pids.end());
+        return pids;
+    }
+
+    std::optional<Date> startedAt(std::int32_t pid) const override {
+        static const std::optional<Date> bootTime = readBootTime();
+        static const auto ticksPerSecond = static_cast<double>(::sysconf(_SC_CLK_TCK));
+        const auto found = process(pid);
+        if (!found || !bootTime) return {};
+        return *bootTime + Seconds(static_cast<double>(found->start) / ticksPerSecond);
+    }
+
+    std::optional<std::string> workingDirectory(std::int32_t pid) const override {
+        return procLink(pid, "cwd");
+    }
+
+    std::vector<std::string> openFiles(std::int32_t pid) const override {
+        std::vector<std::string> paths;
+        PathBuffer buffer;
+        forEachName(fmt::format("/proc/{}/fd", pid), [&](int folder, const char* name) {
+            const std::string_view path = linkTarget(folder, name, buffer);
+            if (path.starts_with('/') && !path.ends_with(deletedMark)) paths.emplace_back(path);
+        });
+        return paths;
     }
 };
 

@@ -41,6 +41,39 @@ public:
         return path;
     }
 
+    /// The desktop app's metadata of a session.
+    void describesInDesktop(const std::string& id, Json metadata) {
+        metadata["cliSessionId"] = id;
+        home.write("desktop/account/organisation/local_" + id + ".json", metadata.dump());
+    }
+
+    /// A Codex rollout of events (type and payload), one each second and the last `age` seconds
+    /// ago, after its meta line; returns its file name.
+    std::string writesRollout(const std::string& id, double age,
+                              const std::vector<std::pair<std::string, Json>>& events,
+                              const Json& meta = Json::object()) {
+        double at = secondsSince1970(now) - age - static_cast<double>(events.size());
+        std::string lines;
+        const auto add = [&](const char* type, const Json& payload) {
+            const std::string time = internetDate(dateFromSeconds(at));
+            lines +=
+                Json{{"timestamp", time}, {"type", type}, {"payload", payload}}.dump() + "\n";
+            at += 1;
+        };
+        Json head{{"id", id}, {"cwd", project}, {"originator", "codex-tui"}, {"source", "vscode"}};
+        head.update(meta);
+        add("session_meta", head);
+        for (const auto& [type, payload] : events) {
+            Json event = payload;
+            event["type"] = type;
+            add("event_msg", event);
+        }
+        const std::string name = "rollout-2026-11-21T02-00-00-" + id + ".jsonl";
+        setModificationDate(home.write("codex/sessions/2026/11/21/" + name, lines),
+                            now - Seconds(age));
+        return name;
+    }
+
     static std::string prompt(const std::string& text) {
         return Json{{"type", "user"},
                     {"cwd", "/srv/demo"},
@@ -67,6 +100,8 @@ public:
         return {.statusDirectory = home.at("status"),
                 .sessionsDirectory = home.at("sessions"),
                 .projectsDirectory = home.at("projects"),
+                .desktopDirectory = home.at("desktop"),
+                .codexDirectory = home.at("codex"),
                 .userId = 0,
                 .processes = processes,
                 .processTree = processTree,
@@ -74,8 +109,9 @@ public:
                 .tasks = tasks,
                 .backgroundTasks = backgroundTasks,
                 .git = git,
-                .desktopSessions = desktopSessions,
-                .rollouts = rollouts};
+                .desktop = desktop,
+                .rollouts = rollouts,
+                .codexProcesses = codexProcesses};
     }
 
     FleetSnapshot::Collection collect() {
@@ -85,8 +121,6 @@ public:
     TemporaryDirectory home;
     std::string project = home.makeDirectory("work/demo");
     FakeProcessTable processes;
-    std::function<DesktopSessions(SkipTally&)> desktopSessions;
-    std::function<std::vector<CodexRollout>(Date)> rollouts;
     FleetSnapshot::Input input{.dormantMaxAge = Seconds(86'400),
                                .dismissed = {},
                                .keepRegardlessOfAge = {},
@@ -99,6 +133,9 @@ private:
     TaskListStore tasks{home.at("tasks")};
     BackgroundTaskStore backgroundTasks;
     GitStore git;
+    DesktopMetadataStore desktop;
+    CodexRollouts rollouts;
+    CodexProcesses codexProcesses{processes};
 };
 
 /// The session with this id; fails the test where it is not listed exactly once.

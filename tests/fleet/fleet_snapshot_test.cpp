@@ -162,20 +162,34 @@ TEST(FleetSnapshot, letsTheDesktopAppSpeakForItsSessions) {
     fleet.runs("s", 4711, {{"entrypoint", "claude-desktop"}});
     fleet.records("s", "working", 60);
     fleet.writesTranscript("s", 60);
-    DesktopMetadata metadata;
-    metadata.title = "From the app";
-    metadata.error = "rate_limit";
-    metadata.errorAt = fleet.now - Seconds(90);
-    fleet.desktopSessions = [&](SkipTally&) { return DesktopSessions{{"s", metadata}}; };
+    const auto milliseconds = [&](double age) {
+        return secondsSince1970(fleet.now - Seconds(age)) * 1000;
+    };
+    Json metadata{{"title", "From the app"},
+                  {"error", "rate_limit"},
+                  {"errorAt", milliseconds(90)},
+                  {"permissionMode", "plan"},
+                  {"isArchived", true},
+                  {"model", "claude-opus-5-5"}};
+    fleet.describesInDesktop("s", metadata);
     auto collection = fleet.collect();
     EXPECT_EQ(only(collection, "s").state, SessionState::working) << "an older error";
     EXPECT_EQ(only(collection, "s").title, "From the app");
+    EXPECT_EQ(only(collection, "s").permissionMode, "plan");
     EXPECT_THAT(collection.titledByDesktop, ElementsAre("s"));
 
-    metadata.errorAt = fleet.now - Seconds(30);
+    metadata["errorAt"] = milliseconds(30.5);
+    fleet.describesInDesktop("s", metadata);
+    metadata["lastActivityAt"] = milliseconds(100);
+    fleet.describesInDesktop("archived", metadata);
+    metadata["isArchived"] = false;
+    fleet.describesInDesktop("ended", metadata);
     collection = fleet.collect();
     EXPECT_EQ(only(collection, "s").state, SessionState::failed);
     EXPECT_EQ(only(collection, "s").detail(fleet.now, nullptr), "Ratenlimit erreicht");
+    EXPECT_THAT(ids(collection), ElementsAre("s", "ended"));
+    EXPECT_EQ(only(collection, "ended").origin, SessionOrigin::desktop);
+    EXPECT_EQ(only(collection, "ended").model, "claude-opus-5-5") << "without a transcript";
 }
 
 TEST(FleetSnapshot, listsEndedSessionsByAge) {
@@ -232,17 +246,8 @@ TEST(FleetSnapshot, listsEachIdOnceAndHidesCodexOnRequest) {
     fleet.writesTranscript("a", 5);
     fleet.records("a", "working", 5);
     fleet.records("c", "working", 5, {{"agent", "codex"}});
-    fleet.rollouts = [&](Date now) {
-        CodexRollout rollout;
-        rollout.lastEventAt = now - Seconds(5);
-        rollout.state = SessionState::working;
-        std::vector<CodexRollout> found;
-        for (const char* id : {"a", "c", "d"}) {
-            rollout.sessionId = id;
-            found.push_back(rollout);
-        }
-        return found;
-    };
+    for (const char* id : {"a", "c", "d"})
+        fleet.writesRollout(id, 5, {{"task_started", Json::object()}});
     EXPECT_THAT(ids(fleet.collect()), UnorderedElementsAre("a", "c", "d"));
     fleet.input.showsCodex = false;
     EXPECT_THAT(ids(fleet.collect()), ElementsAre("a"));

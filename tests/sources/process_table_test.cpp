@@ -1,16 +1,45 @@
 #include "sources/process_table.h"
 
-#include <gtest/gtest.h>
+#include "support/temporary_directory.h"
 
+#include <gmock/gmock.h>
+#include <spawn.h>
+
+#include <fcntl.h>
+#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
 #include <limits>
 
 namespace fleetwise::testing {
 namespace {
+
+using ::testing::Contains;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+constexpr std::array<std::string_view, 2> programNames = {"fleetwise-other", "fleetwise-sleeper"};
+
+/// Starts the program in the folder `cwd` with two files open, for a minute at most.
+pid_t startSleeper(const std::string& program, const std::string& cwd, const std::string& file,
+                   const std::string& removedFile) {
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_addchdir_np(&actions, cwd.c_str());
+    ::posix_spawn_file_actions_addopen(&actions, 8, file.c_str(), O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, 9, removedFile.c_str(), O_RDONLY, 0);
+    std::string name = "sleep";
+    std::string duration = "60";
+    char* arguments[] = {name.data(), duration.data(), nullptr};
+    pid_t child = -1;
+    EXPECT_EQ(::posix_spawn(&child, program.c_str(), &actions, nullptr, arguments, ::environ), 0);
+    ::posix_spawn_file_actions_destroy(&actions);
+    return child;
+}
 
 TEST(ProcessTable, knowsThisProcessWhateverItsName) {
     const ProcessTable& table = ProcessTable::system();
@@ -34,6 +63,9 @@ TEST(ProcessTable, knowsNoProcessUnderAnIdThatNoneCanHave) {
         EXPECT_FALSE(table.process(pid)) << pid;
         EXPECT_FALSE(table.executable(pid)) << pid;
         EXPECT_FALSE(table.applicationScope(pid)) << pid;
+        EXPECT_FALSE(table.startedAt(pid)) << pid;
+        EXPECT_FALSE(table.workingDirectory(pid)) << pid;
+        EXPECT_THAT(table.openFiles(pid), IsEmpty()) << pid;
     }
 }
 
@@ -47,6 +79,38 @@ TEST(ProcessTable, forgetsAChildOnceItIsReaped) {
     ASSERT_EQ(::waitpid(child, nullptr, 0), child);
     EXPECT_FALSE(table.exists(child));
     EXPECT_FALSE(table.process(child));
+}
+
+TEST(ProcessTable, findsAProgramByItsFileWithWhatItHasOpenUntilItIsReaped) {
+    const ProcessTable& table = ProcessTable::system();
+    const TemporaryDirectory folder;
+    const std::string program = folder.at("fleetwise-sleeper");
+    std::filesystem::copy_file("/bin/sleep", program);
+    const std::string cwd = folder.makeDirectory("work here");
+    const std::string file = folder.write("open file.jsonl", "{}");
+    const std::string removed = folder.write("removed.jsonl", "{}");
+    const Date before = currentDate();
+    const pid_t child = startSleeper(program, cwd, file, removed);
+    ASSERT_GT(child, 0);
+    std::filesystem::remove(program);
+    std::filesystem::remove(removed);
+
+    EXPECT_THAT(table.processesOf(programNames), Contains(child));
+    EXPECT_THAT(table.processesOf({}), IsEmpty());
+    EXPECT_EQ(table.workingDirectory(child), cwd);
+    const auto openFiles = table.openFiles(child);
+    EXPECT_THAT(openFiles, Contains(file));
+    EXPECT_THAT(openFiles, Not(Contains(::testing::StartsWith(removed))));
+    const auto startedAt = table.startedAt(child);
+    ASSERT_TRUE(startedAt);
+    EXPECT_NEAR(secondsSince1970(*startedAt), secondsSince1970(before), 30);
+
+    ::kill(child, SIGKILL);
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    EXPECT_THAT(table.processesOf(programNames), Not(Contains(child)));
+    EXPECT_FALSE(table.startedAt(child));
+    EXPECT_FALSE(table.workingDirectory(child));
+    EXPECT_THAT(table.openFiles(child), IsEmpty());
 }
 
 }  // namespace

@@ -34,6 +34,12 @@ public:
     }
     std::optional<std::string> executable(std::int32_t) const override { return {}; }
     std::optional<std::string> applicationScope(std::int32_t) const override { return {}; }
+    std::vector<std::int32_t> processesOf(std::span<const std::string_view>) const override {
+        return {};
+    }
+    std::optional<Date> startedAt(std::int32_t) const override { return {}; }
+    std::optional<std::string> workingDirectory(std::int32_t) const override { return {}; }
+    std::vector<std::string> openFiles(std::int32_t) const override { return {}; }
 };
 
 std::optional<Entry> decoded(std::string text) {

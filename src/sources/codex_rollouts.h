@@ -1,0 +1,59 @@
+#pragma once
+
+#include "foundation/skip_tally.h"
+#include "sources/codex_store.h"
+#include "sources/file_cache.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace fleetwise {
+
+/// Codex's rollouts, each read again only where it has changed, and then only what was appended.
+/// Any thread.
+class CodexRollouts {
+public:
+    /// Says of a rollout's file, before it is opened, whether it is to be read.
+    using Wish = std::function<bool(const FoundFile&)>;
+
+    struct Listing {
+        std::vector<CodexRollout> rollouts;  ///< latest event first, then by id; an id once
+        /// The ids of all files, read or not, packed ones included.
+        std::unordered_set<std::string> sessionIds;
+        std::size_t compressed = 0;  ///< files that Codex has packed away
+    };
+
+    /// The rollouts below `codexDirectory` that are wished for, and those that they come from. A
+    /// file without a meta line gives none; what was passed over is counted in `skipped`.
+    Listing load(const std::string& codexDirectory, const Wish& isWished, SkipTally& skipped);
+
+private:
+    /// What one file tells, as far as it was written when it was read.
+    struct Reading {
+        FileIdentity identity;
+        std::uint64_t nextLine = 0;
+        std::optional<RolloutHead> head;
+        RolloutTail tail;
+    };
+
+    using FilesById = std::unordered_multimap<std::string, FoundFile>;
+
+    FileCache<Reading>::Values readWithParents(std::vector<FoundFile>& files, FilesById& others,
+                                               SkipTally& skipped);
+    static std::shared_ptr<const Reading> read(const FoundFile& file,
+                                               const std::shared_ptr<const Reading>& known,
+                                               SkipTally& skipped);
+    static CodexRollout rolloutOf(const FoundFile& file, const Reading& reading,
+                                  const CodexStore::ThreadNames& names);
+    std::shared_ptr<const CodexStore::ThreadNames> threadNames(const std::string& path,
+                                                               SkipTally& skipped);
+
+    FileCache<Reading> readings;
+    FileCache<CodexStore::ThreadNames> index;
+};
+
+}  // namespace fleetwise

@@ -1,0 +1,136 @@
+#include "sources/rollout_head.h"
+
+#include "sources/rollout_line.h"
+
+namespace fleetwise {
+
+namespace {
+
+constexpr std::size_t longestId = 128;
+
+std::optional<std::string> idMember(JsonObject& object, std::string_view key) {
+    auto id = textMember(object, key);
+    return id && id->size() <= longestId ? id : std::nullopt;
+}
+
+/// {"subagent": {"thread_spawn": {"parent_thread_id": …}}} or {"subagent": "review"}: what started
+/// the thread, where that was not the user.
+void readOrigin(JsonObject& source, RolloutHead& head) {
+    JsonValue subagent;
+    if (source.find_field_unordered("subagent").get(subagent)) return;
+    head.kind = RolloutKind::subagent;
+    auto object = readValue<JsonObject>(subagent).value_or(std::nullopt);
+    auto spawn = object ? memberIfPresent<JsonObject>(*object, "thread_spawn") : std::nullopt;
+    if (spawn) head.parentId = idMember(*spawn, "parent_thread_id");
+}
+
+void readKind(JsonObject& payload, RolloutHead& head) {
+    const auto startedBy = textMember(payload, "thread_source");
+    const auto parent = idMember(payload, "parent_thread_id");
+    const auto forkedFrom = idMember(payload, "forked_from_id");
+    // A thread within another's session carries that session's id beside its own.
+    auto session = idMember(payload, "session_id");
+    if (session == head.sessionId) session.reset();
+    if (startedBy == "subagent" || startedBy == "memory_consolidation" || parent) {
+        head.kind = RolloutKind::subagent;
+    } else if (head.kind == RolloutKind::session && forkedFrom) {
+        head.kind = RolloutKind::fork;
+    } else if (head.kind == RolloutKind::session && session) {
+        head.kind = RolloutKind::subagent;
+    }
+    if (head.kind == RolloutKind::session) return;
+    for (const auto& candidate : {parent, forkedFrom, session}) {
+        if (!head.parentId) head.parentId = candidate;
+    }
+    if (head.parentId == head.sessionId) head.parentId.reset();
+}
+
+void readMeta(JsonObject& payload, RolloutHead& head) {
+    head.sessionId = idMember(payload, "id");
+    if (!head.sessionId) head.sessionId = idMember(payload, "session_id");
+    head.cwd = textMember(payload, "cwd");
+    if (const auto text = memberIfPresent<std::string_view>(payload, "timestamp")) {
+        head.startedAt = parseInternetDate(*text);
+    }
+    head.originator = textMember(payload, "originator");
+    head.source = textMember(payload, "source");
+    if (auto source = memberIfPresent<JsonObject>(payload, "source")) readOrigin(*source, head);
+    readKind(payload, head);
+}
+
+/// The text of a message's first part.
+std::optional<std::string> firstText(JsonObject& item) {
+    auto content = memberIfPresent<JsonArray>(item, "content");
+    if (!content) return {};
+    for (auto element : *content) {
+        JsonObject part;
+        if (element.get_object().get(part)) return {};
+        return textMember(part, "text");
+    }
+    return {};
+}
+
+void readEvent(JsonObject& payload, RolloutHead& head) {
+    const auto type = memberIfPresent<std::string_view>(payload, "type");
+    if (type == "task_started" && !head.contextWindow) {
+        head.contextWindow = contextWindowIn(payload);
+    } else if (type == "user_message" && !head.firstPrompt) {
+        head.firstPrompt = textMember(payload, "message");
+    } else if (type == "item_completed" && !head.firstPrompt) {
+        auto item = memberIfPresent<JsonObject>(payload, "item");
+        if (item && memberIfPresent<std::string_view>(*item, "type") == "UserMessage") {
+            head.firstPrompt = firstText(*item);
+        }
+    }
+}
+
+bool namesMetaLine(std::string_view text) {
+    return text.find("\"session_meta\"") != std::string_view::npos;
+}
+
+/// Makes `text` the file's first `size` bytes, with room for the parser's padding.
+tl::expected<void, FileError> extend(const RegularFile& file, std::size_t size, std::string& text) {
+    const std::size_t had = text.size();
+    text.reserve(size + jsonPadding);
+    text.resize(size);
+    const auto got = file.read(had, {text.data() + had, size - had});
+    if (!got) return tl::unexpected(got.error());
+    text.resize(had + *got);
+    return {};
+}
+
+}  // namespace
+
+tl::expected<std::optional<RolloutHead>, FileError> RolloutHead::read(const RegularFile& file) {
+    std::string text;
+    if (const auto done = extend(file, window, text); !done) return tl::unexpected(done.error());
+    auto head = parse(text);
+    const std::size_t lastLine = text.rfind('\n') + 1;
+    if (head || !namesMetaLine(std::string_view(text).substr(lastLine))) return head;
+    // The window cuts the meta line, which is read to its end.
+    for (std::size_t size = 2 * window; size <= longestWindow; size += window) {
+        const std::size_t had = text.size();
+        if (const auto done = extend(file, size, text); !done) {
+            return tl::unexpected(done.error());
+        }
+        if (text.size() < size || text.find('\n', had) != std::string::npos) break;
+    }
+    return parse(text);
+}
+
+std::optional<RolloutHead> RolloutHead::parse(std::string_view padded) {
+    std::optional<RolloutHead> head;
+    JsonReader json;
+    forEachRolloutLine(json, padded, [&](RolloutLine& line) {
+        if (line.type == "session_meta") {
+            if (!head) readMeta(line.payload, head.emplace());
+        } else if (head && line.type == "event_msg") {
+            readEvent(line.payload, *head);
+        } else if (head && line.type == "turn_context" && !head->model) {
+            head->model = textMember(line.payload, "model");
+        }
+    });
+    return head;
+}
+
+}  // namespace fleetwise

@@ -122,8 +122,8 @@ void addStatistics(Block& block, const Session& session) {
                                    groupedNumber(session.contextLimit({})));
     // Of a rollout only the ends are read, so nothing in it is counted.
     if (!session.agent.isCodex()) {
-        text += fmt::format(", {} Antworten, {} Tool-Aufrufe", stats.assistantTurns,
-                            stats.toolCalls);
+        text +=
+            fmt::format(", {} Antworten, {} Tool-Aufrufe", stats.assistantTurns, stats.toolCalls);
     }
     block.verbatim(text + fmt::format(", Ausgabe {}", groupedNumber(stats.outputTokens)));
     if (!stats.countsAreComplete && session.agent.isClaude()) {

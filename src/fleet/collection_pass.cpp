@@ -160,8 +160,8 @@ bool CollectionPass::isRecentEnough(const Session& session) const {
 bool CollectionPass::isRolloutWished(const FoundFile& file,
                                      const std::vector<CodexProcess>& processes) const {
     const Seconds age = now - modificationDate(file.stamp);
-    const Seconds limit = std::min(input.dormantMaxAge.value_or(CodexStore::maximumAge),
-                                   CodexStore::maximumAge);
+    const Seconds limit =
+        std::min(input.dormantMaxAge.value_or(CodexStore::maximumAge), CodexStore::maximumAge);
     return (limit.count() > 0 && age <= limit) || mayBeLive(file, processes, now) ||
            (!input.keepRegardlessOfAge.empty() &&
             input.keepRegardlessOfAge.contains(CodexStore::idInName(file.name)));

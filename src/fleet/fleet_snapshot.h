@@ -50,7 +50,7 @@ public:
         std::string projectsDirectory;
         std::string desktopDirectory;  ///< the desktop app's session metadata
         std::string codexDirectory;    ///< ~/.codex
-        std::uint32_t userId = 0;  ///< part of the place of background output
+        std::uint32_t userId = 0;      ///< part of the place of background output
         const ProcessTable& processes;
         ProcessTree& processTree;
         TranscriptReader& transcripts;

@@ -101,8 +101,8 @@ void takeRollout(Session& session, const CodexThread& thread) {
     session.startedAt = rollout.startedAt;
     session.codexContextWindow = rollout.contextWindow;
     session.subagentCount = std::max(session.subagentCount, thread.runningSubagents);
-    session.lastEventAt = std::max(session.lastEventAt.value_or(thread.lastActivityAt),
-                                   thread.lastActivityAt);
+    session.lastEventAt =
+        std::max(session.lastEventAt.value_or(thread.lastActivityAt), thread.lastActivityAt);
     noteActivity(session, session.lastEventAt);
     session.stats = TranscriptReader::Stats{.contextTokens = rollout.contextTokens,
                                             .outputTokens = rollout.outputTokens,

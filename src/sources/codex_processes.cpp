@@ -29,12 +29,19 @@ std::set<std::string> rolloutsAmong(const std::vector<std::string>& paths) {
     return rollouts;
 }
 
+/// A process that hides its folder was started from a shell in the same one, as a rule.
+std::optional<std::string> folderOf(const ProcessTable& table, std::int32_t pid) {
+    if (auto folder = table.workingDirectory(pid)) return folder;
+    const auto process = table.process(pid);
+    return process ? table.workingDirectory(process->parent) : std::nullopt;
+}
+
 std::vector<CodexProcess> look(const ProcessTable& table) {
     std::vector<CodexProcess> found;
     for (const std::int32_t pid : table.processesOf(programNames)) {
         found.push_back({.pid = pid,
                          .startedAt = table.startedAt(pid),
-                         .cwd = table.workingDirectory(pid),
+                         .cwd = folderOf(table, pid),
                          .openRollouts = rolloutsAmong(table.openFiles(pid))});
     }
     return found;

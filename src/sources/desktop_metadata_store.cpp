@@ -86,9 +86,9 @@ DesktopMetadataStore& DesktopMetadataStore::shared() {
 
 DesktopSessions DesktopMetadataStore::load(const std::string& root, SkipTally& skipped) {
     DesktopSessions sessions;
-    const auto values =
-        cache.load(metadataFiles(root, skipped),
-                   [&](const FoundFile& file, const auto&) { return readFile(file.path, skipped); });
+    const auto values = cache.load(
+        metadataFiles(root, skipped),
+        [&](const FoundFile& file, const auto&) { return readFile(file.path, skipped); });
     for (const auto& value : values) {
         if (!value) continue;
         const std::optional<Meta>& meta = *value;

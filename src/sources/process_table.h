@@ -37,8 +37,8 @@ public:
     virtual std::optional<std::string> applicationScope(std::int32_t pid) const = 0;
 
     /// The ids, ascending, of this user's processes whose program's file has one of these names.
-    /// What a process calls itself does not matter, nor whether that file has since been replaced.
-    /// Processes whose program the system does not tell are left out.
+    /// Whether that file has since been replaced does not matter. A process that hides its program
+    /// is known by the name that the system has for it.
     virtual std::vector<std::int32_t> processesOf(
         std::span<const std::string_view> fileNames) const = 0;
 

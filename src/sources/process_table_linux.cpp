@@ -96,9 +96,27 @@ std::optional<std::string> procLink(std::int32_t pid, const char* name) {
     return std::string(withoutDeletedMark(target));
 }
 
-bool isOfThisUser(int procFolder, const char* pid) {
-    struct ::stat status {};
-    return ::fstatat(procFolder, pid, &status, 0) == 0 && status.st_uid == ::geteuid();
+/// By the real user in /proc/PID/status: the folder itself belongs to root where the process hides
+/// its memory.
+bool isOfThisUser(std::int32_t pid) {
+    constexpr std::string_view key = "\nUid:\t";
+    const auto status = readProcFile(pid, "status");
+    if (!status) return false;
+    const auto at = status->find(key);
+    if (at == std::string::npos) return false;
+    const std::string_view ids = std::string_view(*status).substr(at + key.size());
+    return parsed<::uid_t>(ids.substr(0, ids.find('\t'))) == ::getuid();
+}
+
+/// What the kernel calls a process whose program may not be looked up: the first 15 bytes of its
+/// program's name, unless it gave itself another.
+bool isCalled(std::int32_t pid, std::span<const std::string_view> names) {
+    constexpr std::size_t longestName = 15;
+    const auto called = readProcFile(pid, "comm");
+    if (!called) return false;
+    return std::any_of(names.begin(), names.end(), [&](std::string_view name) {
+        return trimmed(*called) == name.substr(0, longestName);
+    });
 }
 
 std::optional<Date> readBootTime() {
@@ -155,11 +173,12 @@ public:
             const auto pid = parsed<std::int32_t>(name);
             if (!pid) return;
             const std::string link = std::string(name) + "/exe";
-            auto program = withoutDeletedMark(linkTarget(folder, link.c_str(), buffer));
-            program.remove_prefix(program.find_last_of('/') + 1);
+            const auto path = withoutDeletedMark(linkTarget(folder, link.c_str(), buffer));
+            const auto program = path.substr(path.find_last_of('/') + 1);
             const auto end = fileNames.end();
-            if (std::find(fileNames.begin(), end, program) == end) return;
-            if (isOfThisUser(folder, name)) pids.push_back(*pid);
+            const bool matches = path.empty() ? errno == EACCES && isCalled(*pid, fileNames)
+                                              : std::find(fileNames.begin(), end, program) != end;
+            if (matches && isOfThisUser(*pid)) pids.push_back(*pid);
         });
         std::sort(pids.begin(), pids.end());
         return pids;

@@ -14,8 +14,8 @@ namespace fleetwise {
 /// What the end of a rollout tells. Of every figure the last one in the file counts; one that the
 /// part read does not hold is nothing.
 struct RolloutTail {
-    std::optional<SessionState> state;          ///< by the last task event
-    std::optional<Date> stateSince;             ///< the time of that event
+    std::optional<SessionState> state;  ///< by the last task event
+    std::optional<Date> stateSince;     ///< the time of that event
     std::optional<Date> turnStartedAt;
     std::optional<Date> lastEventAt;
     std::optional<std::int64_t> contextTokens;  ///< of the last request
@@ -24,7 +24,7 @@ struct RolloutTail {
     std::optional<std::string> model;
     std::optional<std::string> effort;
     std::optional<std::string> lastReply;
-    std::optional<std::string> failure;         ///< of the last turn, where that failed
+    std::optional<std::string> failure;  ///< of the last turn, where that failed
 
     bool operator==(const RolloutTail&) const = default;
 

@@ -75,7 +75,8 @@ TEST(CodexSessions, tellWhatTheirRolloutsTell) {
     Events events{{"user_message", {{"message", "Mend the build"}}}};
     events.insert(events.end(), failed.begin(), failed.end());
     events.insert(events.begin() + 2, {"token_count", {{"info", usage}}});
-    const std::string name = fleet.writesRollout("c", 10, events, {{"originator", " Codex Desktop"}});
+    const std::string name =
+        fleet.writesRollout("c", 10, events, {{"originator", " Codex Desktop"}});
     fleet.processes.processes[7] = codex(fleet, 2000);
     fleet.processes.processes[7].openFiles = {"/" + name};
     Session session = only(fleet.collect(), "c");
@@ -182,8 +183,7 @@ TEST(CodexSessions, areListedByAgeLikeAnyOther) {
     for (const auto& row : rows) {
         fleet.input.dormantMaxAge = row.maxAge;
         const auto collection = fleet.collect();
-        EXPECT_THAT(ids(collection), UnorderedElementsAreArray(row.expected))
-            << row.name;
+        EXPECT_THAT(ids(collection), UnorderedElementsAreArray(row.expected)) << row.name;
         EXPECT_EQ(collection.codexFiles.compressed, 1U);
     }
 }

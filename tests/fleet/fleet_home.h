@@ -56,8 +56,7 @@ public:
         std::string lines;
         const auto add = [&](const char* type, const Json& payload) {
             const std::string time = internetDate(dateFromSeconds(at));
-            lines +=
-                Json{{"timestamp", time}, {"type", type}, {"payload", payload}}.dump() + "\n";
+            lines += Json{{"timestamp", time}, {"type", type}, {"payload", payload}}.dump() + "\n";
             at += 1;
         };
         Json head{{"id", id}, {"cwd", project}, {"originator", "codex-tui"}, {"source", "vscode"}};

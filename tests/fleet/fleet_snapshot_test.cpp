@@ -165,12 +165,9 @@ TEST(FleetSnapshot, letsTheDesktopAppSpeakForItsSessions) {
     const auto milliseconds = [&](double age) {
         return secondsSince1970(fleet.now - Seconds(age)) * 1000;
     };
-    Json metadata{{"title", "From the app"},
-                  {"error", "rate_limit"},
-                  {"errorAt", milliseconds(90)},
-                  {"permissionMode", "plan"},
-                  {"isArchived", true},
-                  {"model", "claude-opus-5-5"}};
+    Json metadata{{"title", "From the app"},     {"error", "rate_limit"},
+                  {"errorAt", milliseconds(90)}, {"permissionMode", "plan"},
+                  {"isArchived", true},          {"model", "claude-opus-5-5"}};
     fleet.describesInDesktop("s", metadata);
     auto collection = fleet.collect();
     EXPECT_EQ(only(collection, "s").state, SessionState::working) << "an older error";

@@ -110,13 +110,15 @@ bool mayBeLive(const FoundFile& rollout, const std::vector<CodexProcess>& proces
            });
 }
 
-std::vector<CodexThread> codexThreads(const std::vector<CodexRollout>& rollouts,
+std::vector<CodexThread> codexThreads(std::vector<CodexRollout> rollouts,
                                       const std::vector<CodexProcess>& processes, Date now) {
     Threads threads;
     NumbersById numbers;
-    for (const CodexRollout& rollout : rollouts) {
+    threads.reserve(rollouts.size());
+    for (CodexRollout& rollout : rollouts) {
         numbers.emplace(rollout.sessionId, threads.size());
-        threads.push_back({.rollout = rollout, .lastActivityAt = rollout.lastEventAt});
+        const Date lastActivityAt = rollout.lastEventAt;
+        threads.push_back({.rollout = std::move(rollout), .lastActivityAt = lastActivityAt});
     }
     markLiveThreads(threads, processes, now);
     const auto isBranch = [](const CodexThread& thread) {

@@ -32,7 +32,7 @@ bool mayBeLive(const FoundFile& rollout, const std::vector<CodexProcess>& proces
 /// - else when it is busy and its last event is at most five minutes old.
 /// Forks and subagents are no sessions of their own: they count for the session that they come
 /// from, and for none where that is not among `rollouts`.
-std::vector<CodexThread> codexThreads(const std::vector<CodexRollout>& rollouts,
+std::vector<CodexThread> codexThreads(std::vector<CodexRollout> rollouts,
                                       const std::vector<CodexProcess>& processes, Date now);
 
 }  // namespace fleetwise

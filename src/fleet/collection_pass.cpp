@@ -56,17 +56,21 @@ void CollectionPass::addCodexSessions() {
     auto listing = sources.rollouts.load(
         sources.codexDirectory,
         [&](const FoundFile& file) { return isRolloutWished(file, processes); }, skippedRollouts);
-    rolloutIds = std::move(listing.sessionIds);
-    const auto threads = codexThreads(listing.rollouts, processes, now);
-    collection.codexFiles = {.sessions = threads.size(),
-                             .branches = listing.rollouts.size() - threads.size(),
-                             .compressed = listing.compressed};
-    for (const CodexThread& thread : threads) {
-        if (isListed(thread.rollout.sessionId)) continue;
-        Session session = codexSession(thread, recordOf(thread.rollout.sessionId), rules);
-        if (session.isLive || (isRecentEnough(session) && mayList(session.id, session.state))) {
+    unlistedRollouts = std::move(listing.otherIds);
+    collection.codexFiles = {.branches = listing.rollouts.size(), .compressed = listing.compressed};
+    auto threads = codexThreads(std::move(listing.rollouts), processes, now);
+    collection.codexFiles.sessions = threads.size();
+    collection.codexFiles.branches -= threads.size();
+    collection.sessions.reserve(collection.sessions.size() + threads.size());
+    for (CodexThread& thread : threads) {
+        const std::string id = thread.rollout.sessionId;
+        if (isListed(id)) continue;
+        Session session = codexSession(std::move(thread), recordOf(id), rules);
+        if (session.isLive || (isRecentEnough(session) && mayList(id, session.state))) {
             findHost(session);
             add(std::move(session));
+        } else {
+            unlistedRollouts.insert(id);
         }
     }
 }
@@ -97,7 +101,7 @@ void CollectionPass::describeSessions() {
             session.tasks = sources.tasks.progress(session.id, skippedTasks);
         }
         describeBackground(session, endings);
-        if (session.cwd) session.gitBranch = sources.git.branch(*session.cwd, now);
+        if (session.cwd) session.gitBranch = branchOf(*session.cwd);
         session.isFavorite = input.keepRegardlessOfAge.contains(session.id);
         if (const DesktopMetadata* desktop = desktopOf(session.id)) {
             if (!session.model) session.model = desktop->model;
@@ -130,7 +134,18 @@ void CollectionPass::prune() {
 }
 
 void CollectionPass::sort() {
-    std::stable_sort(collection.sessions.begin(), collection.sessions.end(), Session::precedes);
+    // A session is large: it moves once.
+    std::vector<Session*> order;
+    for (Session& session : collection.sessions)
+        order.push_back(&session);
+    std::stable_sort(order.begin(), order.end(), [](const Session* left, const Session* right) {
+        return Session::precedes(*left, *right);
+    });
+    std::vector<Session> sorted;
+    sorted.reserve(order.size());
+    for (Session* session : order)
+        sorted.push_back(std::move(*session));
+    collection.sessions = std::move(sorted);
 }
 
 FleetSnapshot::Collection CollectionPass::takeCollection() {
@@ -171,7 +186,7 @@ bool CollectionPass::isEndedSessionOfKnownAgent(const StatusStore::Record& recor
     const SessionAgent agent(record.agent.value_or(std::string()));
     if (!agent.isClaude() && !agent.isCodex()) return false;
     return record.state == rawValue(SessionState::dormant) ||
-           transcripts.contains(record.sessionId) || rolloutIds.contains(record.sessionId);
+           transcripts.contains(record.sessionId) || unlistedRollouts.contains(record.sessionId);
 }
 
 void CollectionPass::add(Session session) {
@@ -221,6 +236,12 @@ void CollectionPass::findHost(Session& session) {
         session.hostApp = host->name;
         session.hostBundleId = host->bundleId;
     }
+}
+
+const std::optional<std::string>& CollectionPass::branchOf(const std::string& cwd) {
+    const auto [entry, isNew] = branches.try_emplace(cwd);
+    if (isNew) entry->second = sources.git.branch(cwd, now);
+    return entry->second;
 }
 
 std::map<std::string, TaskEnding> CollectionPass::describeFromTranscript(

@@ -65,6 +65,8 @@ private:
     /// The name of the agent's folder for the session's project.
     std::string projectFolderOf(const Session& session) const;
     void findHost(Session& session);
+    /// Looked up once per folder.
+    const std::optional<std::string>& branchOf(const std::string& cwd);
     /// The endings of background tasks that the transcript tells, none without one.
     std::map<std::string, TaskEnding> describeFromTranscript(Session& session,
                                                              const TranscriptFile& file);
@@ -79,7 +81,8 @@ private:
     StatusStore::Records records;
     TranscriptIndex transcripts;
     std::unordered_set<std::string> listed;
-    std::unordered_set<std::string> rolloutIds;  ///< of all rollouts, read or not
+    std::unordered_set<std::string> unlistedRollouts;                      ///< ids
+    std::unordered_map<std::string, std::optional<std::string>> branches;  ///< by folder
     bool isUnsettled = false;
 
     SkipTally skippedDesktop;

@@ -83,9 +83,9 @@ void endSession(Session& session) {
     session.stateSince = session.lastActivityAt;
 }
 
-/// All but the state, which the rollout and the hook's record may tell differently.
-void takeRollout(Session& session, const CodexThread& thread) {
-    const CodexRollout& rollout = thread.rollout;
+/// Moves all but the state, which the rollout and the hook's record may tell differently.
+void takeRollout(Session& session, CodexThread& thread) {
+    CodexRollout& rollout = thread.rollout;
     session.agent = SessionAgent("codex");
     const auto [origin, bundleId] = CodexStore::attribution(rollout);
     session.origin = origin;
@@ -93,11 +93,11 @@ void takeRollout(Session& session, const CodexThread& thread) {
         session.hostApp = host->name;
         session.hostBundleId = host->bundleId;
     }
-    session.title = rollout.title;
+    session.title = std::move(rollout.title);
     if (!session.title) session.title = TranscriptReader::cleanedPrompt(rollout.firstPrompt);
-    session.cwd = rollout.cwd;
-    session.model = rollout.model;
-    session.effort = rollout.effort;
+    session.cwd = std::move(rollout.cwd);
+    session.model = std::move(rollout.model);
+    session.effort = std::move(rollout.effort);
     session.startedAt = rollout.startedAt;
     session.codexContextWindow = rollout.contextWindow;
     session.subagentCount = std::max(session.subagentCount, thread.runningSubagents);
@@ -106,7 +106,7 @@ void takeRollout(Session& session, const CodexThread& thread) {
     noteActivity(session, session.lastEventAt);
     session.stats = TranscriptReader::Stats{.contextTokens = rollout.contextTokens,
                                             .outputTokens = rollout.outputTokens,
-                                            .lastReply = rollout.lastReply};
+                                            .lastReply = std::move(rollout.lastReply)};
 }
 
 /// Whether the hook heard of a running session after its rollout last told its state.
@@ -200,10 +200,10 @@ Session foreignSession(const StatusStore::Record& record, const BuildingRules& r
     return session;
 }
 
-Session codexSession(const CodexThread& thread, const StatusStore::Record* record,
+Session codexSession(CodexThread thread, const StatusStore::Record* record,
                      const BuildingRules& rules) {
     Session session;
-    session.id = thread.rollout.sessionId;
+    session.id = std::move(thread.rollout.sessionId);
     session.pid = thread.pid;
     session.isLive = thread.isLive;
     if (record != nullptr) takeRecord(session, *record);
@@ -219,7 +219,7 @@ Session codexSession(const CodexThread& thread, const StatusStore::Record* recor
         session.stateSince = recordedSince(*record, finding.state);
     } else {
         session.turnStartedAt = thread.rollout.turnStartedAt;
-        session.lastMessage = thread.rollout.failure;
+        session.lastMessage = std::move(thread.rollout.failure);
     }
     showState(session, finding, rules);
     return session;

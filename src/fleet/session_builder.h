@@ -31,7 +31,7 @@ Session foreignSession(const StatusStore::Record& record, const BuildingRules& r
 /// A Codex session, with the hook's record where Codex runs the hook too (null otherwise). Of a
 /// live one the record tells the state where its event is later than the rollout's last task
 /// event; an ended one is `dormant`.
-Session codexSession(const CodexThread& thread, const StatusStore::Record* record,
+Session codexSession(CodexThread thread, const StatusStore::Record* record,
                      const BuildingRules& rules);
 
 /// When the hook last heard of the session.

@@ -1,8 +1,7 @@
 #include "sources/codex_rollouts.h"
 
 #include <algorithm>
-#include <tuple>
-#include <unordered_map>
+#include <numeric>
 
 namespace fleetwise {
 
@@ -10,69 +9,74 @@ namespace {
 
 constexpr std::size_t longestIndex = 16 << 20;
 
-/// Latest event first; of one session's rollouts only the first.
-void sortAndUnify(std::vector<CodexRollout>& rollouts) {
-    std::sort(rollouts.begin(), rollouts.end(),
-              [](const CodexRollout& left, const CodexRollout& right) {
-                  return std::tie(right.lastEventAt, left.sessionId, left.fileName) <
-                         std::tie(left.lastEventAt, right.sessionId, right.fileName);
-              });
-    std::unordered_set<std::string> seen;
-    std::erase_if(rollouts, [&](const CodexRollout& rollout) {
-        return !seen.insert(rollout.sessionId).second;
-    });
-}
-
 }  // namespace
 
 CodexRollouts::Listing CodexRollouts::load(const std::string& codexDirectory, const Wish& isWished,
                                            SkipTally& skipped) {
     CodexStore::Files files = CodexStore::files(joinPath(codexDirectory, "sessions"), skipped);
-    Listing listing{.rollouts = {}, .sessionIds = {}, .compressed = files.compressed.size()};
+    Listing listing{.rollouts = {}, .otherIds = {}, .compressed = files.compressed.size()};
     for (const FoundFile& file : files.compressed)
-        listing.sessionIds.insert(CodexStore::idInName(file.name));
+        listing.otherIds.insert(CodexStore::idInName(file.name));
     std::vector<FoundFile> wished;
     FilesById others;
     for (FoundFile& file : files.rollouts) {
-        std::string id = CodexStore::idInName(file.name);
-        listing.sessionIds.insert(id);
         if (isWished(file)) {
             wished.push_back(std::move(file));
         } else {
-            others.emplace(std::move(id), std::move(file));
+            others.emplace(CodexStore::idInName(file.name), std::move(file));
         }
     }
     const auto values = readWithParents(wished, others, skipped);
     const auto names = threadNames(joinPath(codexDirectory, "session_index.jsonl"), skipped);
-    for (std::size_t number = 0; number < wished.size(); ++number) {
+    for (const auto& [id, file] : others)
+        listing.otherIds.insert(id);
+    std::unordered_set<std::string_view> listed;  // views into the readings
+    listing.rollouts.reserve(wished.size());
+    for (const std::size_t number : latestFirst(wished, values)) {
         const FoundFile& file = wished[number];
         const auto& reading = values[number];
         if (reading && reading->head) {
-            listing.rollouts.push_back(rolloutOf(file, *reading, *names));
+            if (!listed.insert(*reading->head->sessionId).second) continue;
+            CodexRollout rollout = rolloutOf(file, *reading, *names);
+            if (rollout.kind != RolloutKind::session) listing.otherIds.insert(rollout.sessionId);
+            listing.rollouts.push_back(std::move(rollout));
         } else if (reading && file.stamp.sizeBytes > 0) {
             ++skipped.malformed;
         }
     }
-    sortAndUnify(listing.rollouts);
     return listing;
+}
+
+Date CodexRollouts::lastEventAt(const FoundFile& file, const Reading& reading) {
+    return reading.tail.lastEventAt.value_or(modificationDate(file.stamp));
+}
+
+/// The numbers of the files, by the last event in them.
+std::vector<std::size_t> CodexRollouts::latestFirst(const std::vector<FoundFile>& files,
+                                                    const FileCache<Reading>::Values& values) {
+    std::vector<Date> dates;
+    for (std::size_t number = 0; number < files.size(); ++number)
+        dates.push_back(values[number] ? lastEventAt(files[number], *values[number]) : Date());
+    std::vector<std::size_t> numbers(files.size());
+    std::iota(numbers.begin(), numbers.end(), 0U);
+    std::sort(numbers.begin(), numbers.end(), [&](std::size_t left, std::size_t right) {
+        return dates[left] != dates[right] ? dates[left] > dates[right]
+                                           : files[left].name < files[right].name;
+    });
+    return numbers;
 }
 
 /// The readings of `files`, to which are added those of `others` that they come from.
 FileCache<CodexRollouts::Reading>::Values CodexRollouts::readWithParents(
     std::vector<FoundFile>& files, FilesById& others, SkipTally& skipped) {
-    for (;;) {
-        auto values = readings.load(files, [&](const FoundFile& file, const auto& known) {
-            return read(file, known, skipped);
-        });
-        const std::size_t before = files.size();
-        for (const auto& reading : values) {
-            if (!reading || !reading->head || !reading->head->parentId) continue;
-            if (auto parent = others.extract(*reading->head->parentId)) {
-                files.push_back(std::move(parent.mapped()));
-            }
-        }
-        if (files.size() == before) return values;
-    }
+    const auto make = [&](const FoundFile& file, const auto& known) {
+        return read(file, known, skipped);
+    };
+    return readings.load(files, make, [&](const auto& reading) -> std::optional<FoundFile> {
+        if (!reading || !reading->head || !reading->head->parentId) return {};
+        auto parent = others.extract(*reading->head->parentId);
+        return parent ? std::optional(std::move(parent.mapped())) : std::nullopt;
+    });
 }
 
 std::shared_ptr<const CodexRollouts::Reading> CodexRollouts::read(
@@ -86,13 +90,19 @@ std::shared_ptr<const CodexRollouts::Reading> CodexRollouts::read(
     const auto size = static_cast<std::uint64_t>(opened->stamp().sizeBytes);
     if (known && known->identity == reading.identity && known->nextLine <= size) reading = *known;
 
+    // A head that has no prompt yet may have been read before all of it was written.
+    const bool isHeadWhole =
+        reading.head && (reading.head->firstPrompt || reading.nextLine >= RolloutHead::window);
     const auto tail = RolloutTail::read(*opened, reading.nextLine);
-    auto head = reading.head ? reading.head : RolloutHead::read(*opened);
+    auto head = isHeadWhole ? reading.head : RolloutHead::read(*opened);
     if (!tail || !head) {
         skipped.count(tail ? head.error() : tail.error());
         return nullptr;
     }
     reading.head = *std::move(head);
+    if (reading.head && !reading.head->sessionId) {
+        reading.head->sessionId = CodexStore::idInName(file.name);
+    }
     reading.tail = reading.tail.followedBy(tail->tail);
     reading.nextLine = tail->nextLine;
     return std::make_shared<const Reading>(std::move(reading));
@@ -103,7 +113,7 @@ CodexRollout CodexRollouts::rolloutOf(const FoundFile& file, const Reading& read
     const RolloutHead& head = *reading.head;
     const RolloutTail& tail = reading.tail;
     CodexRollout rollout;
-    rollout.sessionId = head.sessionId ? *head.sessionId : CodexStore::idInName(file.name);
+    rollout.sessionId = *head.sessionId;
     rollout.cwd = head.cwd;
     if (const auto name = names.find(rollout.sessionId); name != names.end()) {
         rollout.title = name->second;
@@ -111,7 +121,7 @@ CodexRollout CodexRollouts::rolloutOf(const FoundFile& file, const Reading& read
     rollout.modifiedAt = modificationDate(file.stamp);
     rollout.state = tail.state.value_or(SessionState::idle);
     rollout.startedAt = head.startedAt;
-    rollout.lastEventAt = tail.lastEventAt.value_or(rollout.modifiedAt);
+    rollout.lastEventAt = lastEventAt(file, reading);
     rollout.contextTokens = tail.contextTokens.value_or(0);
     rollout.outputTokens = tail.outputTokens.value_or(0);
     rollout.contextWindow = tail.contextWindow ? tail.contextWindow : head.contextWindow;

@@ -21,9 +21,9 @@ public:
     using Wish = std::function<bool(const FoundFile&)>;
 
     struct Listing {
-        std::vector<CodexRollout> rollouts;  ///< latest event first, then by id; an id once
-        /// The ids of all files, read or not, packed ones included.
-        std::unordered_set<std::string> sessionIds;
+        std::vector<CodexRollout> rollouts;  ///< latest event first; of one session only the first
+        /// The ids of the rest: of files not read, and of forks and subagents.
+        std::unordered_set<std::string> otherIds;
         std::size_t compressed = 0;  ///< files that Codex has packed away
     };
 
@@ -47,6 +47,9 @@ private:
     static std::shared_ptr<const Reading> read(const FoundFile& file,
                                                const std::shared_ptr<const Reading>& known,
                                                SkipTally& skipped);
+    static Date lastEventAt(const FoundFile& file, const Reading& reading);
+    static std::vector<std::size_t> latestFirst(const std::vector<FoundFile>& files,
+                                                const FileCache<Reading>::Values& values);
     static CodexRollout rolloutOf(const FoundFile& file, const Reading& reading,
                                   const CodexStore::ThreadNames& names);
     std::shared_ptr<const CodexStore::ThreadNames> threadNames(const std::string& path,

@@ -21,7 +21,11 @@ constexpr std::string_view usage =
     "  --sessions N    Claude Code sessions (300)\n"
     "  --megabytes M   size of all transcripts together (50)\n"
     "  --live N        sessions that are running (20)\n"
+    "  --desktop N     how many of the Claude Code sessions the desktop app has (0)\n"
     "  --rollouts N    Codex sessions (0)\n"
+    "  --subagents N   sub-agents of these Codex sessions (0)\n"
+    "  --forks N       forks of these Codex sessions (0)\n"
+    "  --compressed N  old Codex sessions whose files are compressed (0)\n"
     "  --projects N    working directories (12)\n"
     "  --days D        how far back ended sessions reach (20 hours)\n"
     "  --seed S        the same seed gives the same files (1)\n"
@@ -42,7 +46,11 @@ bool readOption(std::string_view option, std::string_view value, Plan& plan) {
     if (option == "--sessions") return readNumber(value, plan.sessions);
     if (option == "--megabytes") return readNumber(value, plan.megabytes);
     if (option == "--live") return readNumber(value, plan.live);
+    if (option == "--desktop") return readNumber(value, plan.desktop);
     if (option == "--rollouts") return readNumber(value, plan.rollouts);
+    if (option == "--subagents") return readNumber(value, plan.subagentRollouts);
+    if (option == "--forks") return readNumber(value, plan.forkedRollouts);
+    if (option == "--compressed") return readNumber(value, plan.compressedRollouts);
     if (option == "--projects") return readNumber(value, plan.projects);
     if (option == "--days") return readNumber(value, plan.days);
     if (option == "--seed") return readNumber(value, plan.seed);

@@ -172,6 +172,36 @@ TEST_F(Generator, liveSessionsShowEveryState) {
     EXPECT_EQ(recorded.size(), 11U + 9U) << "all live sessions but one, half of the others";
 }
 
+/// Holds the file to its book; a copied history counts only by what follows it.
+void expectRollout(const RolloutBook& book) {
+    Json meta;
+    Json total;
+    Json last;
+    std::string state;
+    forEachRecord(book.path, [&](const Json& line) {
+        const Json& payload = line.at("payload");
+        if (line.at("type") == "session_meta" && meta.is_null()) meta = payload;
+        if (line.at("type") != "event_msg") return;
+        const std::string event = payload.at("type");
+        if (event == "task_started") state = "working";
+        if (event == "task_complete") state = payload.contains("error") ? "failed" : "done";
+        if (event == "turn_aborted") state = "idle";
+        if (event != "token_count") return;
+        total = payload.at("info").at("total_token_usage");
+        last = payload.at("info").at("last_token_usage");
+    });
+    EXPECT_EQ(meta.at("id"), book.id);
+    EXPECT_EQ(meta.at("cwd"), book.cwd);
+    EXPECT_EQ(meta.value("forked_from_id", ""), book.parentId);
+    EXPECT_EQ(state, book.state);
+    EXPECT_EQ(last.at("input_tokens"), book.lastInputTokens);
+    EXPECT_EQ(total.at("input_tokens"), book.inputTokens);
+    EXPECT_EQ(total.at("cached_input_tokens"), book.cachedInputTokens);
+    EXPECT_EQ(total.at("cache_write_input_tokens"), book.cacheWriteTokens);
+    EXPECT_EQ(total.at("output_tokens"), book.outputTokens);
+    EXPECT_EQ(total.at("reasoning_output_tokens"), book.reasoningTokens);
+}
+
 TEST_F(Generator, rolloutsHoldWhatTheBooksSay) {
     ASSERT_EQ(books.rollouts.size(), 8U);
     std::set<std::string> paths;
@@ -180,34 +210,82 @@ TEST_F(Generator, rolloutsHoldWhatTheBooksSay) {
         SCOPED_TRACE(book.path);
         paths.insert(book.path);
         bytes += static_cast<std::int64_t>(contentsOf(book.path).size());
-        Json total;
-        Json last;
-        std::string state;
-        forEachRecord(book.path, [&](const Json& line) {
-            const Json& payload = line.at("payload");
-            if (line.at("type") == "session_meta") {
-                EXPECT_EQ(payload.at("id"), book.id);
-                EXPECT_EQ(payload.at("cwd"), book.cwd);
-            }
-            if (line.at("type") != "event_msg") return;
-            const std::string event = payload.at("type");
-            if (event == "task_started") state = "working";
-            if (event == "task_complete") state = payload.contains("error") ? "failed" : "done";
-            if (event == "turn_aborted") state = "idle";
-            if (event != "token_count") return;
-            total = payload.at("info").at("total_token_usage");
-            last = payload.at("info").at("last_token_usage");
-        });
-        EXPECT_EQ(state, book.state);
-        EXPECT_EQ(last.at("input_tokens"), book.lastInputTokens);
-        EXPECT_EQ(total.at("input_tokens"), book.inputTokens);
-        EXPECT_EQ(total.at("cached_input_tokens"), book.cachedInputTokens);
-        EXPECT_EQ(total.at("cache_write_input_tokens"), book.cacheWriteTokens);
-        EXPECT_EQ(total.at("output_tokens"), book.outputTokens);
-        EXPECT_EQ(total.at("reasoning_output_tokens"), book.reasoningTokens);
+        expectRollout(book);
     }
     EXPECT_EQ(filesBelow(home.at(".codex/sessions")), paths);
     EXPECT_EQ(bytes, books.rolloutBytes);
+}
+
+/// What stands in the file behind its first line.
+std::string afterFirstLine(const std::string& path) {
+    const std::string text = contentsOf(path);
+    return text.substr(text.find('\n') + 1);
+}
+
+TEST(GeneratorOfAllKinds, descendantsOfRolloutsBeginWithTheirParents) {
+    const TemporaryDirectory home;
+    Plan plan = smallPlan();
+    plan.subagentRollouts = 9;
+    plan.forkedRollouts = 5;
+    plan.compressedRollouts = 2;
+    const Books books = generate(plan, home.path()).value_or(Books());
+    ASSERT_EQ(books.rollouts.size(), 8U + 9U + 5U);
+    std::map<std::string, std::string> textById;
+    std::map<RolloutKind, int> kinds;
+    for (const RolloutBook& book : books.rollouts) {
+        SCOPED_TRACE(book.path);
+        expectRollout(book);
+        kinds[book.kind] += 1;
+        textById[book.id] = contentsOf(book.path);
+        if (book.kind == RolloutKind::session) continue;
+        const std::string& parent = textById.at(book.parentId);
+        const std::string own = afterFirstLine(book.path);
+        const Json meta = parseJson(textById[book.id].substr(0, textById[book.id].find('\n')))
+                              .value_or(Json())["payload"];
+        if (book.kind == RolloutKind::fork) {
+            EXPECT_TRUE(own.starts_with(parent));
+            EXPECT_EQ(meta["source"], book.source);
+        } else {
+            EXPECT_TRUE(own.starts_with(parent.substr(0, parent.find('\n') + 1)));
+            EXPECT_EQ(meta["thread_source"], "subagent");
+            EXPECT_EQ(meta["source"]["subagent"]["thread_spawn"]["parent_thread_id"],
+                      book.parentId);
+        }
+    }
+    EXPECT_EQ(kinds[RolloutKind::subagent], 9);
+    EXPECT_EQ(kinds[RolloutKind::fork], 5);
+    ASSERT_EQ(books.compressedRollouts.size(), 2U);
+    for (const std::string& path : books.compressedRollouts)
+        EXPECT_TRUE(path.ends_with(".jsonl.zst") && !contentsOf(path).empty()) << path;
+}
+
+TEST(GeneratorOfAllKinds, desktopSessionsHaveMetadata) {
+    const TemporaryDirectory home;
+    Plan plan = smallPlan();
+    plan.desktop = 15;
+    const Books books = generate(plan, home.path()).value_or(Books());
+    std::set<std::string> paths;
+    std::map<std::string, int> counts;
+    for (const SessionBook& book : books.sessions) {
+        if (!book.desktop) continue;
+        SCOPED_TRACE(book.desktop->path);
+        EXPECT_EQ(book.entrypoint, "claude-desktop");
+        EXPECT_EQ(encoded(recount(book)), encoded(book));
+        paths.insert(book.desktop->path);
+        const Json metadata = parseJson(contentsOf(book.desktop->path)).value_or(Json());
+        EXPECT_EQ(metadata.at("cliSessionId"), book.id);
+        EXPECT_EQ(metadata.at("title"), book.desktop->title);
+        EXPECT_EQ(metadata.at("isArchived"), book.desktop->isArchived);
+        EXPECT_EQ(metadata.value("error", ""), book.desktop->error.value_or(""));
+        EXPECT_EQ(metadata.at("lastActivityAt"), secondsSince1970(book.lastActivityAt) * 1000);
+        counts["live"] += book.isLive ? 1 : 0;
+        counts["archived"] += book.desktop->isArchived ? 1 : 0;
+        counts["failed"] += book.desktop->error ? 1 : 0;
+    }
+    EXPECT_EQ(counts, (std::map<std::string, int>{{"live", 6}, {"archived", 3}, {"failed", 2}}));
+    EXPECT_EQ(filesBelow(home.at("Library/Application Support/Claude/claude-code-sessions")),
+              paths);
+    EXPECT_EQ(paths.size(), 15U);
 }
 
 TEST_F(Generator, theSameSeedGivesTheSameFiles) {

@@ -16,7 +16,11 @@ generator::Plan planFor(const DemoHome::Wish& wish) {
     plan.sessions = 50;
     plan.live = 10;
     plan.megabytes = 6;
+    plan.desktop = 5;  // one of them is running
     plan.rollouts = 4;
+    plan.subagentRollouts = 2;
+    plan.forkedRollouts = 1;
+    plan.compressedRollouts = 2;
     plan.projects = 8;
     plan.seed = wish.seed;
     plan.pid = wish.pid;

@@ -31,10 +31,12 @@ DemoRun::DemoRun(const Options& givenOptions, const DemoHome& givenHome,
       home(givenHome),
       application(programsFolder + "/fleetwise"),
       hook(programsFolder + "/fleetwise-hook"),
+      standIn(programsFolder + "/fleetwise-demo-agent"),
       player(home, hook, options.seed) {}
 
 tl::expected<void, std::string> DemoRun::run(const std::function<bool()>& isInterrupted) {
     if (auto installed = installHook(); !installed) return installed;
+    if (auto added = player.addCodex(standIn); !added) return added;
     if (options.startsApplication) {
         if (auto started = startApplication(); !started) return started;
     }
@@ -58,7 +60,8 @@ tl::expected<void, std::string> DemoRun::installHook() const {
 }
 
 tl::expected<void, std::string> DemoRun::startApplication() {
-    auto started = RunningProgram::start({application}, environmentIn(home.path()));
+    auto started = RunningProgram::start(
+        {.command = {application}, .environment = environmentIn(home.path())});
     if (!started) {
         return tl::unexpected(
             fmt::format("cannot run {}: {}", application, started.error().message()));

@@ -19,7 +19,8 @@ namespace fleetwise::demo {
 /// Plays events into a home while the application runs on it.
 class DemoRun {
 public:
-    /// `options` and `home` outlive this. `programsFolder` holds the application and the hook.
+    /// `options` and `home` outlive this. `programsFolder` holds the application, the hook and the
+    /// program that stands in for Codex.
     DemoRun(const Options& options, const DemoHome& home, const std::string& programsFolder);
 
     /// Until the options' end, until the application ends or `isInterrupted` says so. The error is
@@ -39,6 +40,7 @@ private:
     const DemoHome& home;
     std::string application;
     std::string hook;
+    std::string standIn;  ///< the program that plays Codex
     Player player;
     std::optional<RunningProgram> running;
 };

@@ -1,47 +1,53 @@
 #include "demo/player.h"
 
-#include "demo/programs.h"
+#include "demo/claude_actor.h"
+#include "demo/codex_actor.h"
 
-#include <fmt/format.h>
+#include <array>
+#include <string_view>
 
 namespace fleetwise::demo {
 
-Player::Player(const DemoHome& home, std::string givenHookProgram, std::uint64_t seed)
-    : hookProgram(std::move(givenHookProgram)), environment(environmentIn(home.path())) {
+namespace {
+
+/// The Codex sessions that play, by the names their users gave them.
+constexpr std::array<std::string_view, 2> codexNames{"Slow queries", ""};
+
+}  // namespace
+
+Player::Player(const DemoHome& givenHome, const std::string& hookProgram, std::uint64_t givenSeed)
+    : home(givenHome), hook(hookProgram, home.path()), seed(givenSeed) {
     auto entries = RegistryFile::of(home.path() + "/.claude/sessions");
     for (const generator::SessionBook& book : home.books().sessions) {
         const auto entry = entries.find(book.id);
         if (entry == entries.end()) continue;
-        const std::size_t number = actors.size();
-        actors.push_back({.play = SessionPlay(book, number, seed + 2 * number),
-                          .transcript = TranscriptTail(book, seed + 2 * number + 1),
-                          .registry = std::move(entry->second)});
+        actors.push_back(std::make_unique<ClaudeActor>(book, std::move(entry->second),
+                                                       actors.size(), seed, hook));
     }
+}
+
+tl::expected<void, std::string> Player::addCodex(const std::string& standIn) {
+    for (std::size_t number = 0; number < codexNames.size(); ++number) {
+        auto actor = CodexActor::start({.home = home.path(),
+                                        .standIn = standIn,
+                                        .cwd = home.books().sessions[number].cwd,
+                                        .name = std::string(codexNames[number]),
+                                        .firstScene = number,
+                                        .seed = seed + 3 * actors.size()});
+        if (!actor) return tl::unexpected(actor.error());
+        actors.push_back(*std::move(actor));
+    }
+    return {};
 }
 
 tl::expected<void, std::string> Player::playNext() {
     // No rest is longer than this.
     for (std::size_t tries = 0; tries < actors.size() * 100; ++tries) {
-        Actor& actor = actors[turn++ % actors.size()];
-        if (const Step* step = actor.play.next()) return perform(actor, *step);
+        const auto hasActed = actors[turn++ % actors.size()]->act();
+        if (!hasActed) return tl::unexpected(hasActed.error());
+        if (*hasActed) return {};
     }
     return tl::unexpected(std::string("there is no session to play"));
-}
-
-tl::expected<void, std::string> Player::perform(Actor& actor, const Step& step) {
-    const Date now = currentDate();
-    const Json payload = actor.play.payload(step, now);
-    if (!step.event.empty()) {
-        const auto status =
-            run({hookProgram, std::string(step.event)}, environment, encodeJson(payload));
-        if (!status)
-            return tl::unexpected(
-                fmt::format("cannot run {}: {}", hookProgram, status.error().message()));
-        actor.transcript.append(actor.play.scene(), payload, now);
-    }
-    if (std::exchange(actor.standing, step.standing) != step.standing)
-        actor.registry.update(step.standing, currentDate());
-    return {};
 }
 
 }  // namespace fleetwise::demo

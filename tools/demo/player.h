@@ -1,37 +1,35 @@
 #pragma once
 
+#include "demo/actor.h"
 #include "demo/demo_home.h"
-#include "demo/registry_file.h"
-#include "demo/session_play.h"
-#include "demo/transcript_tail.h"
+#include "demo/hook_program.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace fleetwise::demo {
 
-/// Plays the running sessions of a home, in turns: what the agent would write it writes, and the
-/// hook program is run for each event as the agent runs it.
+/// Plays the running sessions of a home, in turns.
 class Player {
 public:
-    Player(const DemoHome& home, std::string hookProgram, std::uint64_t seed);
+    /// `home` outlives this.
+    Player(const DemoHome& home, const std::string& hookProgram, std::uint64_t seed);
+    Player(const Player&) = delete;
+    Player& operator=(const Player&) = delete;
+
+    /// Has Codex sessions play as well, each with a process that runs a copy of `standIn`. The
+    /// error is a message.
+    tl::expected<void, std::string> addCodex(const std::string& standIn);
 
     /// Lets one session take its next step. The error is a message.
     tl::expected<void, std::string> playNext();
 
 private:
-    struct Actor {
-        SessionPlay play;
-        TranscriptTail transcript;
-        RegistryFile registry;
-        Standing standing = Standing::ended;  ///< as the registry has it, once it was written
-    };
-
-    tl::expected<void, std::string> perform(Actor& actor, const Step& step);
-
-    std::string hookProgram;
-    std::vector<std::string> environment;
-    std::vector<Actor> actors;
+    const DemoHome& home;
+    const HookProgram hook;
+    const std::uint64_t seed;
+    std::vector<std::unique_ptr<Actor>> actors;
     std::size_t turn = 0;
 };
 

@@ -1,7 +1,5 @@
 #include "demo/programs.h"
 
-#include "foundation/file_descriptor.h"
-
 #include <spawn.h>
 
 #include <fcntl.h>
@@ -18,6 +16,7 @@ namespace fleetwise::demo {
 namespace {
 
 constexpr int secondsToEnd = 5;
+constexpr int openFileDescriptor = 10;
 
 std::error_code errorOf(int number) {
     return {number, std::generic_category()};
@@ -32,22 +31,30 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return all;
 }
 
-/// −1 leaves the standard input as it is.
-tl::expected<pid_t, std::error_code> spawn(std::vector<std::string> command,
-                                           std::vector<std::string> environment, int input) {
+void addFileActions(::posix_spawn_file_actions_t& files, const Launch& launch) {
+    if (launch.input >= 0) ::posix_spawn_file_actions_adddup2(&files, launch.input, STDIN_FILENO);
+    if (!launch.workingDirectory.empty())
+        ::posix_spawn_file_actions_addchdir_np(&files, launch.workingDirectory.c_str());
+    if (!launch.openFile.empty())
+        ::posix_spawn_file_actions_addopen(&files, openFileDescriptor, launch.openFile.c_str(),
+                                           O_WRONLY | O_APPEND, 0);
+}
+
+tl::expected<pid_t, std::error_code> spawn(Launch launch) {
     ::posix_spawn_file_actions_t files;
     ::posix_spawnattr_t attributes;
     ::posix_spawn_file_actions_init(&files);
     ::posix_spawnattr_init(&attributes);
-    if (input >= 0) ::posix_spawn_file_actions_adddup2(&files, input, STDIN_FILENO);
+    addFileActions(files, launch);
     ::sigset_t ignoredHere;
     ::sigemptyset(&ignoredHere);
     ::sigaddset(&ignoredHere, SIGPIPE);
     ::posix_spawnattr_setsigdefault(&attributes, &ignoredHere);
     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     pid_t pid = 0;
-    const int error = ::posix_spawn(&pid, command.front().c_str(), &files, &attributes,
-                                    pointers(command).data(), pointers(environment).data());
+    const int error =
+        ::posix_spawn(&pid, launch.command.front().c_str(), &files, &attributes,
+                      pointers(launch.command).data(), pointers(launch.environment).data());
     ::posix_spawnattr_destroy(&attributes);
     ::posix_spawn_file_actions_destroy(&files);
     if (error != 0) return tl::unexpected(errorOf(error));
@@ -88,30 +95,30 @@ std::vector<std::string> environmentIn(const std::string& home) {
     return variables;
 }
 
-tl::expected<ExitStatus, std::error_code> run(const std::vector<std::string>& command,
-                                              const std::vector<std::string>& environment,
-                                              const std::string& input) {
+tl::expected<Pipe, std::error_code> Pipe::make() {
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0) return tl::unexpected(errorOf(errno));
-    FileDescriptor reading(ends[0]);
-    FileDescriptor writing(ends[1]);
     for (const int end : ends)
         ::fcntl(end, F_SETFD, FD_CLOEXEC);
-    const auto pid = spawn(command, environment, reading.get());
+    return Pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+}
+
+tl::expected<ExitStatus, std::error_code> run(Launch launch, const std::string& input) {
+    auto pipe = Pipe::make();
+    if (!pipe) return tl::unexpected(pipe.error());
+    launch.input = pipe->reading.get();
+    const auto pid = spawn(std::move(launch));
     if (!pid) return tl::unexpected(pid.error());
-    reading = FileDescriptor();
-    writeAll(writing, input);
-    writing = FileDescriptor();
+    pipe->reading = FileDescriptor();
+    writeAll(pipe->writing, input);
+    pipe->writing = FileDescriptor();
     int status = 0;
     if (::waitpid(*pid, &status, 0) < 0) return tl::unexpected(errorOf(errno));
     return exitStatus(status);
 }
 
-tl::expected<RunningProgram, std::error_code> RunningProgram::start(
-    const std::vector<std::string>& command, const std::vector<std::string>& environment) {
-    return spawn(command, environment, -1).map([](pid_t started) {
-        return RunningProgram(started);
-    });
+tl::expected<RunningProgram, std::error_code> RunningProgram::start(Launch launch) {
+    return spawn(std::move(launch)).map([](pid_t started) { return RunningProgram(started); });
 }
 
 RunningProgram::RunningProgram(RunningProgram&& other) noexcept

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/file_descriptor.h"
+
 #include <tl/expected.hpp>
 
 #include <sys/types.h>
@@ -15,20 +17,34 @@ namespace fleetwise::demo {
 /// below `home` instead.
 std::vector<std::string> environmentIn(const std::string& home);
 
+/// How a program is started.
+struct Launch {
+    std::vector<std::string> command;  ///< the program's path first
+    std::vector<std::string> environment;
+    int input = -1;                ///< its standard input; −1: that of this process
+    std::string workingDirectory;  ///< empty: that of this process
+    std::string openFile;          ///< held open for writing all the while; may be empty
+};
+
+/// A pipe that no started program inherits, but as its standard input.
+struct Pipe {
+    FileDescriptor reading;
+    FileDescriptor writing;
+
+    static tl::expected<Pipe, std::error_code> make();
+};
+
 /// How a program ended: its exit status, or 128 and the signal's number.
 using ExitStatus = int;
 
-/// Runs the program `command.front()` with `input` on its standard input and waits for its end.
-/// SIGPIPE has to be ignored: the program may not read all.
-tl::expected<ExitStatus, std::error_code> run(const std::vector<std::string>& command,
-                                              const std::vector<std::string>& environment,
-                                              const std::string& input);
+/// Runs the program with `input` on its standard input and waits for its end. SIGPIPE has to be
+/// ignored: the program may not read all.
+tl::expected<ExitStatus, std::error_code> run(Launch launch, const std::string& input);
 
 /// A program that runs beside this one; it is ended with this object.
 class RunningProgram {
 public:
-    static tl::expected<RunningProgram, std::error_code> start(
-        const std::vector<std::string>& command, const std::vector<std::string>& environment);
+    static tl::expected<RunningProgram, std::error_code> start(Launch launch);
 
     RunningProgram(RunningProgram&& other) noexcept;
     RunningProgram& operator=(RunningProgram&&) = delete;

@@ -18,6 +18,26 @@ Json encodeUsage(const Usage& usage) {
             {"cacheWrite1h", usage.cacheWrite1h}};
 }
 
+Json encodeDesktop(const std::optional<DesktopBook>& book) {
+    if (!book) return nullptr;
+    return {{"path", book->path},
+            {"title", book->title},
+            {"isArchived", book->isArchived},
+            {"error", optionalText(book->error)}};
+}
+
+std::string_view nameOf(RolloutKind kind) {
+    switch (kind) {
+        case RolloutKind::subagent:
+            return "subagent";
+        case RolloutKind::fork:
+            return "fork";
+        case RolloutKind::session:
+            break;
+    }
+    return "session";
+}
+
 Json encodeSession(const SessionBook& book) {
     Json usage = Json::object();
     for (const auto& [model, used] : book.usageByModel)
@@ -48,11 +68,15 @@ Json encodeSession(const SessionBook& book) {
             {"tasks", book.tasks},
             {"tasksCompleted", book.tasksCompleted},
             {"usageByModel", std::move(usage)},
-            {"billedUSD", book.billedUSD}};
+            {"billedUSD", book.billedUSD},
+            {"desktop", encodeDesktop(book.desktop)}};
 }
 
 Json encodeRollout(const RolloutBook& book) {
     return {{"id", book.id},
+            {"kind", nameOf(book.kind)},
+            {"parentId", book.parentId},
+            {"nickname", book.nickname},
             {"path", book.path},
             {"cwd", book.cwd},
             {"state", book.state},
@@ -82,6 +106,7 @@ Json encodeBooks(const Books& books) {
         rollouts.push_back(encodeRollout(book));
     return {{"sessions", std::move(sessions)},
             {"rollouts", std::move(rollouts)},
+            {"compressedRollouts", books.compressedRollouts},
             {"transcriptBytes", books.transcriptBytes},
             {"rolloutBytes", books.rolloutBytes}};
 }

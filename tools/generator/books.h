@@ -2,6 +2,7 @@
 
 #include "foundation/date.h"
 #include "foundation/json.h"
+#include "sources/codex_rollout.h"
 
 #include <cstdint>
 #include <map>
@@ -22,6 +23,14 @@ struct Usage {
     std::int64_t cacheWrite1h = 0;
 
     bool operator==(const Usage&) const = default;
+};
+
+/// What the desktop app keeps about a session of its own.
+struct DesktopBook {
+    std::string path;  ///< of the metadata file
+    std::string title;
+    bool isArchived = false;
+    std::optional<std::string> error;  ///< code of the error that ended the last turn
 };
 
 /// What was written for one Claude Code session. The counts per record (turns, tool calls, tokens)
@@ -54,11 +63,15 @@ struct SessionBook {
     std::int64_t tasksCompleted = 0;
     std::map<std::string, Usage> usageByModel;
     double billedUSD = 0;  ///< as the last cost-state record says
+    std::optional<DesktopBook> desktop;
 };
 
-/// What was written for one Codex session.
+/// What was written for one Codex session. A fork's tokens include those of the copied history.
 struct RolloutBook {
     std::string id;
+    RolloutKind kind = RolloutKind::session;
+    std::string parentId;  ///< of the session it was copied from; empty where it is a user's own
+    std::string nickname;  ///< of a sub-agent
     std::string path;
     std::string cwd;
     std::string state;  ///< a raw SessionState
@@ -80,9 +93,10 @@ struct RolloutBook {
 /// The exact account of a generated home.
 struct Books {
     std::vector<SessionBook> sessions;
-    std::vector<RolloutBook> rollouts;
+    std::vector<RolloutBook> rollouts;            ///< users' own, sub-agents', forks
+    std::vector<std::string> compressedRollouts;  ///< paths
     std::int64_t transcriptBytes = 0;
-    std::int64_t rolloutBytes = 0;
+    std::int64_t rolloutBytes = 0;  ///< without compressed ones
 };
 
 /// The books as one JSON object; keys as the fields, dates in seconds since 1970.

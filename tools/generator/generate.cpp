@@ -2,10 +2,12 @@
 
 #include "foundation/atomic_file.h"
 #include "foundation/directory.h"
+#include "generator/desktop_session.h"
 #include "generator/filler.h"
 #include "generator/live_session.h"
+#include "generator/past.h"
 #include "generator/random.h"
-#include "generator/rollout.h"
+#include "generator/rollout_fleet.h"
 #include "generator/transcript.h"
 #include "sources/project_folder.h"
 
@@ -13,7 +15,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <filesystem>
 #include <vector>
 
@@ -28,7 +29,6 @@ constexpr std::size_t longestFolderName = 200;
 
 constexpr std::array<std::string_view, 3> entrypoints{"claude-desktop", "claude-vscode", "sdk-cli"};
 constexpr std::array<std::string_view, 4> permissionModes{"default", "acceptEdits", "plan", "auto"};
-constexpr std::array<std::string_view, 4> rolloutStates{"done", "working", "failed", "idle"};
 
 struct Project {
     std::string cwd;
@@ -51,7 +51,7 @@ public:
 
 private:
     Result checkThatHomeIsFree() const {
-        for (const std::string_view name : {".claude", ".codex", "work"}) {
+        for (const std::string_view name : {".claude", ".codex", "Library", "work"}) {
             const std::string path = at(name);
             if (inspectFile(path)) {
                 return tl::unexpected(GeneratorError{GeneratorError::Kind::occupied, path, {}});
@@ -118,11 +118,14 @@ private:
     Result writeSessions() {
         const std::vector<std::int64_t> sizes = transcriptSizes();
         const int live = std::min(plan.live, plan.sessions);
+        int desktopNumber = 0;
         for (int index = 0; index < plan.sessions; ++index) {
             SessionBook book = newSession(index < live);
+            if (isDesktop(index)) becomeDesktop(book, desktopNumber++);
             const std::int64_t bytes = sizes[static_cast<std::size_t>(index)];
             Result done =
                 book.isLive ? writeLive(book, bytes, index) : writeEnded(book, bytes, index - live);
+            if (done && book.desktop) done = writeDesktopSession(book, random);
             if (!done) return done;
             books.transcriptBytes += book.transcriptBytes;
             books.sessions.push_back(std::move(book));
@@ -141,12 +144,24 @@ private:
         book.isLive = isLive;
         book.entrypoint = random.chance(70) ? "cli" : random.pick(entrypoints);
         book.permissionMode = random.pick(permissionModes);
-        book.lastActivityAt = isLive ? secondsAgo(2, 25) : someTimeAgo();
+        book.lastActivityAt = isLive ? secondsAgo(plan, random, 2, 25) : someTimeAgo(plan, random);
         book.startedAt =
             book.lastActivityAt - Seconds(static_cast<double>(random.between(300, 20'000)));
         if (random.chance(60)) book.title = Filler::phrase(random, 4);
         if (book.title && random.chance(25)) book.name = book.title;
         return book;
+    }
+
+    /// Desktop sessions are spread evenly over all.
+    bool isDesktop(std::int64_t index) const {
+        const std::int64_t share = std::clamp(plan.desktop, 0, plan.sessions);
+        return (index + 1) * share / plan.sessions > index * share / plan.sessions;
+    }
+
+    void becomeDesktop(SessionBook& book, int number) {
+        if (desktopFolder.empty()) desktopFolder = newDesktopFolder(home, random);
+        book.entrypoint = "claude-desktop";
+        book.desktop = newDesktopBook(desktopFolder, number, random);
     }
 
     static std::string folderName(const std::string& cwd) {
@@ -155,15 +170,7 @@ private:
         return name;
     }
 
-    Date secondsAgo(std::int64_t least, std::int64_t most) {
-        return plan.now - Seconds(static_cast<double>(random.between(least, most)));
-    }
-
-    /// Between three minutes ago and as far back as the plan reaches.
-    Date someTimeAgo() {
-        const double reach = std::max(plan.days * 86'400 - 180, 0.0);
-        return plan.now - Seconds(180 + std::floor(reach * random.fraction()));
-    }
+    static bool hasFailed(const SessionBook& book) { return book.desktop && book.desktop->error; }
 
     SessionFiles filesOf(const SessionBook& book, int index) const {
         return {at(fmt::format(".claude/sessions/{}.json", 100'000 + index)),
@@ -171,7 +178,7 @@ private:
     }
 
     Result writeLive(SessionBook& book, std::int64_t bytes, int index) {
-        const Situation& situation = situationOf(index);
+        const Situation& situation = hasFailed(book) ? failedSituation() : situationOf(index);
         book.state = situation.shown;
         const TranscriptShape shape{bytes, situation.ending, std::string(situation.tool), {}};
         return writeTranscript(book, shape, random, filler)
@@ -184,7 +191,8 @@ private:
 
     Result writeEnded(SessionBook& book, std::int64_t bytes, int index) {
         book.state = "dormant";
-        return writeTranscript(book, {bytes, TranscriptEnding::answered, {}, {}}, random, filler)
+        const auto ending = hasFailed(book) ? TranscriptEnding::failed : TranscriptEnding::answered;
+        return writeTranscript(book, {bytes, ending, {}, {}}, random, filler)
             .and_then([&] {
                 return index % 2 == 0 ? writeEndedSession(book, filesOf(book, index)) : Result();
             })
@@ -231,43 +239,10 @@ private:
     }
 
     Result writeRollouts() {
-        std::string index;
-        for (int number = 0; number < plan.rollouts; ++number) {
-            RolloutBook book = newRollout(number);
-            const auto bytes =
-                writeRollout(book, static_cast<int>(random.between(1, 30)), random, filler);
-            if (!bytes) return tl::unexpected(bytes.error());
-            books.rolloutBytes += *bytes;
-            if (book.title) index += indexLine(book, "before") + indexLine(book, *book.title);
-            books.rollouts.push_back(std::move(book));
-        }
-        if (index.empty()) return {};
-        return writeFile(at(".codex/session_index.jsonl"), index, plan.now);
-    }
-
-    RolloutBook newRollout(int number) {
-        RolloutBook book;
-        book.id = random.uuid();
-        book.cwd = random.pick(projects).cwd;
-        book.state = rolloutStates[static_cast<std::size_t>(number) % rolloutStates.size()];
-        book.model = "gpt-6-sol";
-        book.originator = random.chance(60) ? "codex_exec" : "codex-tui";
-        book.source = book.originator == "codex_exec" ? "exec" : "vscode";
-        if (number % 4 == 1) book.title = Filler::phrase(random, 3);
-        book.lastEventAt = book.state == "working" ? secondsAgo(2, 60) : someTimeAgo();
-        book.startedAt = book.lastEventAt - Seconds(static_cast<double>(random.between(30, 7'200)));
-        const Calendar utc = date::locate_zone("UTC");
-        book.path = at(fmt::format(
-            ".codex/sessions/{}-{}.jsonl",
-            formatDate(book.startedAt, utc, "%Y/%m/%d/rollout-%Y-%m-%dT%H-%M-%S"), book.id));
-        return book;
-    }
-
-    /// A renaming, as the agent notes it; the last one of a session counts.
-    static std::string indexLine(const RolloutBook& book, std::string_view name) {
-        const Json renaming{
-            {"id", book.id}, {"thread_name", name}, {"updated_at", internetDate(book.lastEventAt)}};
-        return encodeJson(renaming) + "\n";
+        std::vector<std::string> folders;
+        for (const Project& project : projects)
+            folders.push_back(project.cwd);
+        return RolloutFleet(plan, at(".codex"), folders, random, filler).write(books);
     }
 
     const Plan& plan;
@@ -275,6 +250,7 @@ private:
     Random random;
     const Filler filler;
     std::vector<Project> projects;
+    std::string desktopFolder;  ///< empty until there is a desktop session
     Books books;
 };
 

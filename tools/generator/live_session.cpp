@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -103,6 +104,11 @@ Json liveRecord(const SessionBook& book, const Situation& situation, const Plan&
 
 const Situation& situationOf(int index) {
     return situations[static_cast<std::size_t>(index) % situations.size()];
+}
+
+const Situation& failedSituation() {
+    return *std::find_if(situations.begin(), situations.end(),
+                         [](const Situation& situation) { return situation.shown == "failed"; });
 }
 
 tl::expected<void, GeneratorError> writeLiveSession(const SessionBook& book,

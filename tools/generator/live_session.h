@@ -29,6 +29,9 @@ struct Situation {
 /// sessions shows all of them.
 const Situation& situationOf(int index);
 
+/// The situation of a session whose last turn ended with an error.
+const Situation& failedSituation();
+
 /// Where a home keeps what belongs to one session.
 struct SessionFiles {
     std::string registry;

@@ -12,9 +12,13 @@ struct Plan {
     int sessions = 300;     ///< Claude Code sessions, live ones included
     double megabytes = 50;  ///< all transcripts together, in 10^6 bytes; each has a few kB at least
     int live = 20;          ///< sessions with a registry entry; never more than `sessions`
-    int rollouts = 0;       ///< Codex rollouts
-    int projects = 12;      ///< working directories the sessions are spread over; at least one
-    double days = 20.0 / 24;  ///< how far back ended sessions and rollouts reach
+    int desktop = 0;        ///< how many of `sessions` the desktop app has, live ones and ended
+    int rollouts = 0;       ///< Codex rollouts that a user began
+    int subagentRollouts = 0;    ///< their sub-agents', in turns; none where there are no rollouts
+    int forkedRollouts = 0;      ///< forks of them, likewise
+    int compressedRollouts = 0;  ///< old rollouts that cannot be read, since they are compressed
+    int projects = 12;           ///< working directories the sessions are spread over; at least one
+    double days = 20.0 / 24;     ///< how far back ended sessions and rollouts reach
     std::uint64_t seed = 1;
     std::int32_t pid = 1;  ///< the process every live session claims; process 1 always exists
     Date now = currentDate();

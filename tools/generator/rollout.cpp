@@ -1,7 +1,10 @@
 #include "generator/rollout.h"
 
+#include "generator/rollout_format.h"
+
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iterator>
 
 namespace fleetwise::generator {
@@ -12,17 +15,18 @@ namespace {
 /// carries the instructions and the tools.
 class RolloutWriter {
 public:
-    RolloutWriter(RolloutBook& rolloutBook, int turnCount, Random& source, const Filler& text)
-        : book(rolloutBook), turns(turnCount), random(source), filler(text), file(book.path) {
+    RolloutWriter(RolloutBook& rolloutBook, const RolloutShape& wanted, Random& source,
+                  const Filler& text)
+        : book(rolloutBook), shape(wanted), random(source), filler(text), file(book.path) {
         book.contextWindow = 258'400;
     }
 
     tl::expected<std::int64_t, GeneratorError> write() {
         sessionMeta();
-        for (int index = 0; index < turns; ++index) {
+        for (int index = 0; index < shape.turns; ++index) {
             // The last turn ends at the session's last event.
-            now = book.startedAt + (book.lastEventAt - book.startedAt) * (index + 1) / turns;
-            turn(index + 1 == turns ? book.state : "done");
+            now = book.startedAt + (book.lastEventAt - book.startedAt) * (index + 1) / shape.turns;
+            turn(index + 1 == shape.turns ? book.state : "done");
         }
         return file.close(book.lastEventAt);
     }
@@ -31,9 +35,7 @@ private:
     template <typename... Arguments>
     void line(std::string_view type, fmt::format_string<Arguments...> payload,
               Arguments&&... arguments) {
-        fmt::format_to(std::back_inserter(file.text),
-                       R"({{"timestamp":"{}","ordinal":{},"type":"{}","payload":)",
-                       internetDate(now), ordinal++, type);
+        file.text += rolloutLineHead(now, ordinal++, type);
         fmt::format_to(std::back_inserter(file.text), payload,
                        std::forward<Arguments>(arguments)...);
         file.text += '}';
@@ -42,13 +44,14 @@ private:
 
     void sessionMeta() {
         now = book.startedAt;
-        line("session_meta",
-             R"({{"session_id":"{0}","id":"{0}","timestamp":"{1}","cwd":{2},"originator":"{3}",)"
-             R"("cli_version":"0.169.0","source":"{4}","thread_source":"user",)"
-             R"("base_instructions":{{"text":"{5}"}}}})",
-             book.id, internetDate(now), encodeJson(Json(book.cwd)), book.originator, book.source,
-             filler.escapedText(random, 19'000));
-        message("developer", filler.escapedText(random, 7'000));
+        line("session_meta", "{}", sessionMetaPayload(book, filler.escapedText(random, 19'000)));
+        if (shape.inherited.empty()) {
+            message("developer", filler.escapedText(random, 7'000));
+        } else {
+            file.text += shape.inherited;
+            ordinal +=
+                static_cast<int>(std::count(shape.inherited.begin(), shape.inherited.end(), '\n'));
+        }
     }
 
     void turn(std::string_view state) {
@@ -137,7 +140,7 @@ private:
     }
 
     RolloutBook& book;
-    int turns;
+    const RolloutShape& shape;
     Random& random;
     const Filler& filler;
     OutputFile file;
@@ -148,9 +151,10 @@ private:
 
 }  // namespace
 
-tl::expected<std::int64_t, GeneratorError> writeRollout(RolloutBook& book, int turns,
-                                                        Random& random, const Filler& filler) {
-    return RolloutWriter(book, turns, random, filler).write();
+tl::expected<std::int64_t, GeneratorError> writeRollout(RolloutBook& book,
+                                                        const RolloutShape& shape, Random& random,
+                                                        const Filler& filler) {
+    return RolloutWriter(book, shape, random, filler).write();
 }
 
 }  // namespace fleetwise::generator

@@ -4,8 +4,10 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace fleetwise {
@@ -21,18 +23,28 @@ public:
     /// (the file and its last value, null where there is none, to std::shared_ptr<const Value>)
     /// gives; null is not kept, so that the next load tries again. All other files are forgotten.
     template <typename Make>
-    Values load(const std::vector<FoundFile>& files, Make&& make) {
+    Values load(std::vector<FoundFile> files, Make&& make) {
+        return load(files, make, [](const auto&) { return std::optional<FoundFile>(); });
+    }
+
+    /// As above; `follow` gives of each value, which may be null, the file that it leads to, if
+    /// any: that is loaded as well and appended to `files`.
+    template <typename Make, typename Follow>
+    Values load(std::vector<FoundFile>& files, Make&& make, Follow&& follow) {
         const std::shared_ptr<const Known> known = current();
         Known seen;
         seen.reserve(files.size());
         Values values;
         values.reserve(files.size());
-        for (const FoundFile& file : files) {
+        for (std::size_t number = 0; number < files.size(); ++number) {
+            const FoundFile& file = files[number];
             const auto hit = known->find(file.path);
             std::shared_ptr<const Value> value;
             if (hit != known->end()) value = hit->second.value;
             if (!value || hit->second.stamp != file.stamp) value = make(file, value);
             if (value) seen.emplace(file.path, Entry{.stamp = file.stamp, .value = value});
+            std::optional<FoundFile> next = follow(value);
+            if (next) files.push_back(*std::move(next));
             values.push_back(std::move(value));
         }
         const std::lock_guard guard(lock);

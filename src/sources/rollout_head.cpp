@@ -1,5 +1,6 @@
 #include "sources/rollout_head.h"
 
+#include "sources/plain_file_name.h"
 #include "sources/rollout_line.h"
 
 namespace fleetwise {
@@ -10,7 +11,7 @@ constexpr std::size_t longestId = 128;
 
 std::optional<std::string> idMember(JsonObject& object, std::string_view key) {
     auto id = textMember(object, key);
-    return id && id->size() <= longestId ? id : std::nullopt;
+    return id && id->size() <= longestId && isPlainFileName(*id) ? id : std::nullopt;
 }
 
 /// {"subagent": {"thread_spawn": {"parent_thread_id": …}}} or {"subagent": "review"}: what started
@@ -24,12 +25,11 @@ void readOrigin(JsonObject& source, RolloutHead& head) {
     if (spawn) head.parentId = idMember(*spawn, "parent_thread_id");
 }
 
-void readKind(JsonObject& payload, RolloutHead& head) {
+/// A thread within another's session carries that session's id beside its own.
+void readKind(JsonObject& payload, std::optional<std::string> session, RolloutHead& head) {
     const auto startedBy = textMember(payload, "thread_source");
     const auto parent = idMember(payload, "parent_thread_id");
     const auto forkedFrom = idMember(payload, "forked_from_id");
-    // A thread within another's session carries that session's id beside its own.
-    auto session = idMember(payload, "session_id");
     if (session == head.sessionId) session.reset();
     if (startedBy == "subagent" || startedBy == "memory_consolidation" || parent) {
         head.kind = RolloutKind::subagent;
@@ -46,8 +46,10 @@ void readKind(JsonObject& payload, RolloutHead& head) {
 }
 
 void readMeta(JsonObject& payload, RolloutHead& head) {
+    // Each text is read once: for a second time the parser keeps no room.
+    auto session = idMember(payload, "session_id");
     head.sessionId = idMember(payload, "id");
-    if (!head.sessionId) head.sessionId = idMember(payload, "session_id");
+    if (!head.sessionId) head.sessionId = session;
     head.cwd = textMember(payload, "cwd");
     if (const auto text = memberIfPresent<std::string_view>(payload, "timestamp")) {
         head.startedAt = parseInternetDate(*text);
@@ -55,7 +57,7 @@ void readMeta(JsonObject& payload, RolloutHead& head) {
     head.originator = textMember(payload, "originator");
     head.source = textMember(payload, "source");
     if (auto source = memberIfPresent<JsonObject>(payload, "source")) readOrigin(*source, head);
-    readKind(payload, head);
+    readKind(payload, std::move(session), head);
 }
 
 /// The text of a message's first part.

@@ -38,7 +38,7 @@ void readTaskEvent(std::string_view type, SessionState state, std::optional<Date
     tail.stateSince = at;
     tail.failure.reset();
     if (state == SessionState::working) {
-        tail.turnStartedAt = at;
+        if (at) tail.turnStartedAt = at;
         if (const auto window = contextWindowIn(payload)) tail.contextWindow = window;
     } else if (state == SessionState::failed) {
         tail.failure = textMember(payload, "message");

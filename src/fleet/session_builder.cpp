@@ -219,6 +219,7 @@ Session codexSession(CodexThread thread, const StatusStore::Record* record,
         session.stateSince = recordedSince(*record, finding.state);
     } else {
         session.turnStartedAt = thread.rollout.turnStartedAt;
+        session.activity = std::move(thread.rollout.activity);
         session.lastMessage = std::move(thread.rollout.failure);
     }
     showState(session, finding, rules);

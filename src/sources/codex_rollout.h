@@ -34,6 +34,7 @@ struct CodexRollout {
     std::optional<std::string> parentId;  ///< the session that a fork or a subagent comes from
     std::optional<Date> stateSince;       ///< when `state` began
     std::optional<Date> turnStartedAt;
+    std::optional<std::string> activity;  ///< what was done last in the turn that runs
     std::optional<std::string> model;
     std::optional<std::string> effort;
     std::optional<std::string> firstPrompt;  ///< as the user typed it

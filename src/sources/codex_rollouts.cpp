@@ -131,6 +131,7 @@ CodexRollout CodexRollouts::rolloutOf(const FoundFile& file, const Reading& read
     rollout.parentId = head.parentId;
     rollout.stateSince = tail.stateSince;
     rollout.turnStartedAt = tail.turnStartedAt;
+    rollout.activity = tail.activity;
     rollout.model = tail.model ? tail.model : head.model;
     rollout.effort = tail.effort;
     rollout.firstPrompt = head.firstPrompt;

@@ -1,6 +1,7 @@
 #include "sources/rollout_head.h"
 
 #include "sources/plain_file_name.h"
+#include "sources/rollout_item.h"
 #include "sources/rollout_line.h"
 
 namespace fleetwise {
@@ -60,18 +61,6 @@ void readMeta(JsonObject& payload, RolloutHead& head) {
     readKind(payload, std::move(session), head);
 }
 
-/// The text of a message's first part.
-std::optional<std::string> firstText(JsonObject& item) {
-    auto content = memberIfPresent<JsonArray>(item, "content");
-    if (!content) return {};
-    for (auto element : *content) {
-        JsonObject part;
-        if (element.get_object().get(part)) return {};
-        return textMember(part, "text");
-    }
-    return {};
-}
-
 void readEvent(JsonObject& payload, RolloutHead& head) {
     const auto type = memberIfPresent<std::string_view>(payload, "type");
     if (type == "task_started" && !head.contextWindow) {
@@ -79,10 +68,7 @@ void readEvent(JsonObject& payload, RolloutHead& head) {
     } else if (type == "user_message" && !head.firstPrompt) {
         head.firstPrompt = textMember(payload, "message");
     } else if (type == "item_completed" && !head.firstPrompt) {
-        auto item = memberIfPresent<JsonObject>(payload, "item");
-        if (item && memberIfPresent<std::string_view>(*item, "type") == "UserMessage") {
-            head.firstPrompt = firstText(*item);
-        }
+        head.firstPrompt = RolloutItem::read(payload).prompt;
     }
 }
 

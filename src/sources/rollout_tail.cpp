@@ -2,6 +2,7 @@
 
 #include "foundation/saturating.h"
 #include "sources/codex_store.h"
+#include "sources/rollout_item.h"
 #include "sources/rollout_line.h"
 
 #include <algorithm>
@@ -9,6 +10,11 @@
 namespace fleetwise {
 
 namespace {
+
+template <typename Value>
+void replace(std::optional<Value>& value, std::optional<Value>&& later) {
+    if (later) value = std::move(later);
+}
 
 std::int64_t tokens(JsonObject& usage, std::string_view key) {
     return std::max<std::int64_t>(0, memberIfPresent<std::int64_t>(usage, key).value_or(0));
@@ -37,6 +43,7 @@ void readTaskEvent(std::string_view type, SessionState state, std::optional<Date
     tail.state = state;
     tail.stateSince = at;
     tail.failure.reset();
+    tail.activity.reset();
     if (state == SessionState::working) {
         if (at) tail.turnStartedAt = at;
         if (const auto window = contextWindowIn(payload)) tail.contextWindow = window;
@@ -58,6 +65,8 @@ void readEvent(const RolloutLine& line, RolloutTail& tail) {
     if (!type) return;
     if (*type == "token_count") {
         readTokenCount(line.payload, tail);
+    } else if (*type == "item_completed") {
+        replace(tail.activity, RolloutItem::read(line.payload).activity);
     } else if (const auto state = CodexStore::state(*type)) {
         readTaskEvent(*type, *state, at, line.payload, tail);
     }
@@ -75,11 +84,6 @@ tl::expected<void, FileError> prepend(const RegularFile& file, std::uint64_t off
     longer += text;
     text = std::move(longer);
     return {};
-}
-
-template <typename Value>
-void replace(std::optional<Value>& value, std::optional<Value>&& later) {
-    if (later) value = std::move(later);
 }
 
 }  // namespace
@@ -129,12 +133,14 @@ RolloutTail RolloutTail::followedBy(RolloutTail later) const {
         both.state = later.state;
         both.stateSince = later.stateSince;
         both.failure = std::move(later.failure);
+        both.activity.reset();
     }
     replace(both.turnStartedAt, std::move(later.turnStartedAt));
     replace(both.lastEventAt, std::move(later.lastEventAt));
     replace(both.contextTokens, std::move(later.contextTokens));
     replace(both.outputTokens, std::move(later.outputTokens));
     replace(both.contextWindow, std::move(later.contextWindow));
+    replace(both.activity, std::move(later.activity));
     replace(both.model, std::move(later.model));
     replace(both.effort, std::move(later.effort));
     replace(both.lastReply, std::move(later.lastReply));

@@ -21,6 +21,7 @@ struct RolloutTail {
     std::optional<std::int64_t> contextTokens;  ///< of the last request
     std::optional<std::int64_t> outputTokens;   ///< of all requests
     std::optional<std::int64_t> contextWindow;  ///< in tokens
+    std::optional<std::string> activity;        ///< what was done last in the turn that runs
     std::optional<std::string> model;
     std::optional<std::string> effort;
     std::optional<std::string> lastReply;

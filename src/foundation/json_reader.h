@@ -24,7 +24,8 @@ using JsonValue = simdjson::ondemand::value;
 enum class JsonFault { wrongType, malformed };
 
 /// The fast road for other programs' files: reads the few members that are asked for and skips
-/// the rest. One reader serves one thread; views it hands out live until its next text.
+/// the rest. One reader serves one thread; views it hands out live until its next text. A text may
+/// be read once per visit: for a second reading of the same one there is no room.
 class JsonReader {
 public:
     /// Calls `visit(JsonObject&)` on the object that `text` holds, which may ask for its members in

@@ -19,7 +19,11 @@ std::optional<std::string> idMember(JsonObject& object, std::string_view key) {
 /// the thread, where that was not the user.
 void readOrigin(JsonObject& source, RolloutHead& head) {
     JsonValue subagent;
-    if (source.find_field_unordered("subagent").get(subagent)) return;
+    bool isNull = false;
+    if (source.find_field_unordered("subagent").get(subagent) || subagent.is_null().get(isNull) ||
+        isNull) {
+        return;
+    }
     head.kind = RolloutKind::subagent;
     auto object = readValue<JsonObject>(subagent).value_or(std::nullopt);
     auto spawn = object ? memberIfPresent<JsonObject>(*object, "thread_spawn") : std::nullopt;

@@ -83,7 +83,7 @@ void follow(CodexThread& session, const CodexThread& fork) {
     shown.firstPrompt = session.rollout.firstPrompt;
     if (session.rollout.title) shown.title = session.rollout.title;
     session.rollout = std::move(shown);
-    session.pid = fork.pid;
+    if (fork.pid) session.pid = fork.pid;
 }
 
 void addBranch(CodexThread& session, const CodexThread& branch) {

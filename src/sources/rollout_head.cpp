@@ -36,11 +36,10 @@ void readKind(JsonObject& payload, std::optional<std::string> session, RolloutHe
     const auto parent = idMember(payload, "parent_thread_id");
     const auto forkedFrom = idMember(payload, "forked_from_id");
     if (session == head.sessionId) session.reset();
-    if (startedBy == "subagent" || startedBy == "memory_consolidation" || parent) {
-        head.kind = RolloutKind::subagent;
-    } else if (head.kind == RolloutKind::session && forkedFrom) {
-        head.kind = RolloutKind::fork;
-    } else if (head.kind == RolloutKind::session && session) {
+    const bool isFork = head.kind == RolloutKind::session && forkedFrom;
+    const bool isWithin = head.kind == RolloutKind::session && session && !forkedFrom;
+    if (isFork) head.kind = RolloutKind::fork;
+    if (startedBy == "subagent" || startedBy == "memory_consolidation" || parent || isWithin) {
         head.kind = RolloutKind::subagent;
     }
     if (head.kind == RolloutKind::session) return;
@@ -51,7 +50,6 @@ void readKind(JsonObject& payload, std::optional<std::string> session, RolloutHe
 }
 
 void readMeta(JsonObject& payload, RolloutHead& head) {
-    // Each text is read once: for a second time the parser keeps no room.
     auto session = idMember(payload, "session_id");
     head.sessionId = idMember(payload, "id");
     if (!head.sessionId) head.sessionId = session;

@@ -12,7 +12,7 @@ namespace fleetwise {
 namespace {
 
 template <typename Value>
-void replace(std::optional<Value>& value, std::optional<Value>&& later) {
+void replace(std::optional<Value>& value, std::optional<Value> later) {
     if (later) value = std::move(later);
 }
 
@@ -135,11 +135,11 @@ RolloutTail RolloutTail::followedBy(RolloutTail later) const {
         both.failure = std::move(later.failure);
         both.activity.reset();
     }
-    replace(both.turnStartedAt, std::move(later.turnStartedAt));
-    replace(both.lastEventAt, std::move(later.lastEventAt));
-    replace(both.contextTokens, std::move(later.contextTokens));
-    replace(both.outputTokens, std::move(later.outputTokens));
-    replace(both.contextWindow, std::move(later.contextWindow));
+    replace(both.turnStartedAt, later.turnStartedAt);
+    replace(both.lastEventAt, later.lastEventAt);
+    replace(both.contextTokens, later.contextTokens);
+    replace(both.outputTokens, later.outputTokens);
+    replace(both.contextWindow, later.contextWindow);
     replace(both.activity, std::move(later.activity));
     replace(both.model, std::move(later.model));
     replace(both.effort, std::move(later.effort));

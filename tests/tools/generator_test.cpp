@@ -274,10 +274,6 @@ TEST(GeneratorOfAllKinds, desktopSessionsHaveMetadata) {
         paths.insert(book.desktop->path);
         const Json metadata = parseJson(contentsOf(book.desktop->path)).value_or(Json());
         EXPECT_EQ(metadata.at("cliSessionId"), book.id);
-        EXPECT_EQ(metadata.at("title"), book.desktop->title);
-        EXPECT_EQ(metadata.at("isArchived"), book.desktop->isArchived);
-        EXPECT_EQ(metadata.value("error", ""), book.desktop->error.value_or(""));
-        EXPECT_EQ(metadata.at("lastActivityAt"), secondsSince1970(book.lastActivityAt) * 1000);
         counts["live"] += book.isLive ? 1 : 0;
         counts["archived"] += book.desktop->isArchived ? 1 : 0;
         counts["failed"] += book.desktop->error ? 1 : 0;

@@ -5,7 +5,7 @@
 #include "demo/hook_program.h"
 #include "demo/registry_file.h"
 #include "demo/session_play.h"
-#include "demo/transcript_tail.h"
+#include "demo/transcript_recorder.h"
 
 #include <optional>
 
@@ -26,7 +26,7 @@ private:
 
     const HookProgram& hook;
     SessionPlay play;
-    TranscriptTail transcript;
+    TranscriptRecorder transcript;
     RegistryFile registry;
     std::optional<DesktopFile> desktop;
     Standing standing = Standing::ended;  ///< as the registry has it, once it was written

@@ -33,7 +33,7 @@ tl::expected<std::unique_ptr<CodexActor>, std::string> CodexActor::start(const P
     const std::string codexFolder = part.home + "/.codex";
     generator::Random random(part.seed);
     const generator::RolloutBook book = newBook(codexFolder, part.cwd, random);
-    RolloutTail rollout(book, {}, part.seed + 1);
+    RolloutRecorder rollout(book, {}, part.seed + 1);
     if (!part.name.empty()) {
         std::ofstream(codexFolder + "/session_index.jsonl", std::ios::app)
             << generator::renamingLine(book, part.name);
@@ -47,7 +47,7 @@ tl::expected<std::unique_ptr<CodexActor>, std::string> CodexActor::start(const P
         new CodexActor(part, std::move(rollout), *std::move(process)));
 }
 
-CodexActor::CodexActor(const Part& part, RolloutTail givenRollout, CodexStandIn givenProcess)
+CodexActor::CodexActor(const Part& part, RolloutRecorder givenRollout, CodexStandIn givenProcess)
     : codexFolder(part.home + "/.codex"),
       random(part.seed + 2),
       rollout(std::move(givenRollout)),
@@ -78,7 +78,7 @@ const CodexStep& CodexActor::nextStep() {
     return codexScenes()[scene][step++];
 }
 
-RolloutTail CodexActor::newSubagent() {
+RolloutRecorder CodexActor::newSubagent() {
     const generator::RolloutBook& parent = rollout.book();
     generator::RolloutBook book = newBook(codexFolder, parent.cwd, random);
     book.kind = RolloutKind::subagent;

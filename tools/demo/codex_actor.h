@@ -2,7 +2,7 @@
 
 #include "demo/actor.h"
 #include "demo/codex_stand_in.h"
-#include "demo/rollout_tail.h"
+#include "demo/rollout_recorder.h"
 
 #include <memory>
 #include <optional>
@@ -28,15 +28,15 @@ public:
     tl::expected<bool, std::string> act() override;
 
 private:
-    CodexActor(const Part& part, RolloutTail rollout, CodexStandIn process);
+    CodexActor(const Part& part, RolloutRecorder rollout, CodexStandIn process);
 
     const CodexStep& nextStep();
-    RolloutTail newSubagent();
+    RolloutRecorder newSubagent();
 
     std::string codexFolder;
     generator::Random random;
-    RolloutTail rollout;
-    std::optional<RolloutTail> subagent;  ///< the last one
+    RolloutRecorder rollout;
+    std::optional<RolloutRecorder> subagent;  ///< the last one
     CodexStandIn process;
     std::size_t scene;
     std::size_t step = 0;

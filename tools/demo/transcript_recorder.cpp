@@ -1,4 +1,4 @@
-#include "demo/transcript_tail.h"
+#include "demo/transcript_recorder.h"
 
 #include <algorithm>
 #include <fstream>
@@ -16,7 +16,7 @@ bool isOfSubagent(const Json& payload) {
 
 }  // namespace
 
-TranscriptTail::TranscriptTail(const generator::SessionBook& book, std::uint64_t seed)
+TranscriptRecorder::TranscriptRecorder(const generator::SessionBook& book, std::uint64_t seed)
     : path(book.transcriptPath),
       common{{"isSidechain", false},
              {"userType", "external"},
@@ -29,7 +29,7 @@ TranscriptTail::TranscriptTail(const generator::SessionBook& book, std::uint64_t
       model(book.model.starts_with('<') ? "claude-opus-5-5" : book.model),
       contextTokens(std::max(book.contextTokens, contextAfterCompaction)) {}
 
-void TranscriptTail::append(const Scene& scene, const Json& payload, Date now) {
+void TranscriptRecorder::append(const Scene& scene, const Json& payload, Date now) {
     time = now;
     const std::string event = member<std::string>(payload, "hook_event_name").value_or("");
     if (isOfSubagent(payload)) return;
@@ -44,7 +44,7 @@ void TranscriptTail::append(const Scene& scene, const Json& payload, Date now) {
     text.clear();
 }
 
-void TranscriptTail::appendPrompt(const Scene& scene, const Json& payload) {
+void TranscriptRecorder::appendPrompt(const Scene& scene, const Json& payload) {
     const std::string prompt = payload.at("prompt");
     const bool isNotice = prompt.starts_with("<task-notification>");
     const std::string_view origin = isNotice ? "task-notification" : "human";
@@ -59,7 +59,7 @@ void TranscriptTail::appendPrompt(const Scene& scene, const Json& payload) {
     line({{"type", "ai-title"}, {"aiTitle", scene.title}, {"sessionId", common.at("sessionId")}});
 }
 
-void TranscriptTail::appendToolUse(const Json& payload) {
+void TranscriptRecorder::appendToolUse(const Json& payload) {
     appendReply({{"type", "tool_use"},
                  {"id", payload.at("tool_use_id")},
                  {"name", payload.at("tool_name")},
@@ -67,7 +67,7 @@ void TranscriptTail::appendToolUse(const Json& payload) {
                 "tool_use");
 }
 
-void TranscriptTail::appendToolResult(const Json& payload) {
+void TranscriptRecorder::appendToolResult(const Json& payload) {
     Json user = record("user");
     const Json result{{"type", "tool_result"},
                       {"tool_use_id", payload.at("tool_use_id")},
@@ -78,7 +78,7 @@ void TranscriptTail::appendToolResult(const Json& payload) {
     line(user);
 }
 
-void TranscriptTail::appendAnswer(const Json& payload) {
+void TranscriptRecorder::appendAnswer(const Json& payload) {
     appendReply({{"type", "text"}, {"text", payload.at("last_assistant_message")}}, "end_turn");
     Json duration = record("system");
     duration["subtype"] = "turn_duration";
@@ -90,7 +90,7 @@ void TranscriptTail::appendAnswer(const Json& payload) {
           {"sessionId", common.at("sessionId")}});
 }
 
-void TranscriptTail::appendFailure(const Json& payload) {
+void TranscriptRecorder::appendFailure(const Json& payload) {
     Json failure = record("assistant");
     const Json content{{"type", "text"}, {"text", payload.at("last_assistant_message")}};
     failure["message"] = {{"id", random.uuid()},
@@ -104,7 +104,7 @@ void TranscriptTail::appendFailure(const Json& payload) {
     line(failure);
 }
 
-void TranscriptTail::appendCompaction() {
+void TranscriptRecorder::appendCompaction() {
     Json boundary = record("system");
     boundary["subtype"] = "compact_boundary";
     boundary["content"] = "Conversation compacted";
@@ -116,7 +116,7 @@ void TranscriptTail::appendCompaction() {
 }
 
 /// What the model said in one request.
-void TranscriptTail::appendReply(const Json& content, std::string_view stopReason) {
+void TranscriptRecorder::appendReply(const Json& content, std::string_view stopReason) {
     Json reply = record("assistant");
     reply["requestId"] = "req_01" + random.hexadecimal(16);
     reply["message"] = {{"id", "msg_01" + random.hexadecimal(16)},
@@ -130,7 +130,7 @@ void TranscriptTail::appendReply(const Json& content, std::string_view stopReaso
     line(reply);
 }
 
-Json TranscriptTail::record(std::string_view type) {
+Json TranscriptRecorder::record(std::string_view type) {
     Json made = common;
     made["type"] = type;
     made["parentUuid"] = parent.empty() ? Json() : Json(parent);
@@ -141,7 +141,7 @@ Json TranscriptTail::record(std::string_view type) {
 }
 
 /// Everything said before comes from the model's cache, and the context grows until it is full.
-Json TranscriptTail::usage() {
+Json TranscriptRecorder::usage() {
     const std::int64_t added = random.between(400, 3'000);
     Json used{{"input_tokens", 8},
               {"cache_creation_input_tokens", added},
@@ -153,7 +153,7 @@ Json TranscriptTail::usage() {
     return used;
 }
 
-void TranscriptTail::line(const Json& record) {
+void TranscriptRecorder::line(const Json& record) {
     text += encodeJson(record) + '\n';
 }
 

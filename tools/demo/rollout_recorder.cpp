@@ -1,4 +1,4 @@
-#include "demo/rollout_tail.h"
+#include "demo/rollout_recorder.h"
 
 #include "foundation/atomic_file.h"
 #include "generator/rollout_format.h"
@@ -26,8 +26,8 @@ Json usage(std::int64_t input, std::int64_t cached, std::int64_t output, std::in
 
 }  // namespace
 
-RolloutTail::RolloutTail(generator::RolloutBook book, std::string_view inherited,
-                         std::uint64_t seed)
+RolloutRecorder::RolloutRecorder(generator::RolloutBook book, std::string_view inherited,
+                                 std::uint64_t seed)
     : session(std::move(book)), random(seed), time(session.startedAt) {
     // What goes wrong here shows in the report as a session that is missing.
     (void)makePrivateDirectory(std::filesystem::path(session.path).parent_path().string());
@@ -37,26 +37,27 @@ RolloutTail::RolloutTail(generator::RolloutBook book, std::string_view inherited
     write();
 }
 
-void RolloutTail::append(const CodexStep& step, Date now) {
+void RolloutRecorder::append(const CodexStep& step, Date now) {
     time = now;
     appendMove(step);
     write();
 }
 
-void RolloutTail::appendMove(const CodexStep& step) {
+void RolloutRecorder::appendMove(const CodexStep& step) {
     switch (step.move) {
         case CodexMove::begins:
             return beginTurn(step.text);
         case CodexMove::thinks:
-            return item({{"type", "reasoning"},
-                         {"summary", {{{"type", "summary_text"}, {"text", step.text}}}}});
+            item({{"type", "reasoning"},
+                  {"summary", {{{"type", "summary_text"}, {"text", step.text}}}}});
+            return completed({{"type", "Reasoning"}, {"summary_text", {step.text}}});
         case CodexMove::runs:
+            command = step.text;
             return callTool("exec_command", {{"cmd", step.text}});
         case CodexMove::delegates:
             return callTool("spawn_agent", {{"message", step.text}});
         case CodexMove::receives:
-            return item(
-                {{"type", "function_call_output"}, {"call_id", callId}, {"output", step.text}});
+            return receive(step.text);
         case CodexMove::answers:
             return answer(step.text);
         case CodexMove::fails:
@@ -69,7 +70,7 @@ void RolloutTail::appendMove(const CodexStep& step) {
     }
 }
 
-void RolloutTail::beginTurn(std::string_view prompt) {
+void RolloutRecorder::beginTurn(std::string_view prompt) {
     turnId = random.uuid();
     event({{"type", "task_started"}, {"model_context_window", contextWindow}});
     line("turn_context", encodeJson({{"turn_id", turnId},
@@ -79,10 +80,10 @@ void RolloutTail::beginTurn(std::string_view prompt) {
                                      {"effort", "medium"},
                                      {"summary", "auto"}}));
     message("user", prompt);
-    event({{"type", "user_message"}, {"message", prompt}});
+    completed({{"type", "UserMessage"}, {"content", {{{"type", "text"}, {"text", prompt}}}}});
 }
 
-void RolloutTail::callTool(std::string_view name, const Json& arguments) {
+void RolloutRecorder::callTool(std::string_view name, const Json& arguments) {
     callId = "call_" + random.hexadecimal(12);
     item({{"type", "function_call"},
           {"status", "completed"},
@@ -92,15 +93,25 @@ void RolloutTail::callTool(std::string_view name, const Json& arguments) {
     countTokens();
 }
 
-void RolloutTail::answer(std::string_view said) {
-    event({{"type", "agent_message"}, {"message", said}});
+void RolloutRecorder::receive(std::string_view output) {
+    item({{"type", "function_call_output"}, {"call_id", callId}, {"output", output}});
+    if (command.empty()) return;
+    completed({{"type", "CommandExecution"},
+               {"command", {"/bin/bash", "-lc", command}},
+               {"status", "completed"},
+               {"exit_code", 0}});
+    command.clear();
+}
+
+void RolloutRecorder::answer(std::string_view said) {
     message("assistant", said);
+    completed({{"type", "AgentMessage"}, {"content", {{{"type", "Text"}, {"text", said}}}}});
     countTokens();
     event({{"type", "task_complete"}, {"last_agent_message", said}});
 }
 
 /// Everything said before comes from the model's cache, and the context grows until it is full.
-void RolloutTail::countTokens() {
+void RolloutRecorder::countTokens() {
     const std::int64_t cached = std::max(session.lastInputTokens, firstContext);
     const std::int64_t output = random.between(60, 900);
     const std::int64_t reasoning = output / 3;
@@ -118,7 +129,7 @@ void RolloutTail::countTokens() {
            {"rate_limits", nullptr}});
 }
 
-void RolloutTail::message(std::string_view role, std::string_view said) {
+void RolloutRecorder::message(std::string_view role, std::string_view said) {
     const std::string_view type = role == "assistant" ? "output_text" : "input_text";
     item({{"type", "message"},
           {"id", "msg_" + random.uuid()},
@@ -126,20 +137,26 @@ void RolloutTail::message(std::string_view role, std::string_view said) {
           {"content", {{{"type", type}, {"text", said}}}}});
 }
 
-void RolloutTail::event(Json payload) {
+void RolloutRecorder::event(Json payload) {
     payload["turn_id"] = turnId;
     line("event_msg", encodeJson(payload));
 }
 
-void RolloutTail::item(const Json& payload) {
+/// The event that shows what was done; `done` is one of the conversation's items.
+void RolloutRecorder::completed(Json done) {
+    done["id"] = "item_" + random.hexadecimal(12);
+    event({{"type", "item_completed"}, {"thread_id", session.id}, {"item", std::move(done)}});
+}
+
+void RolloutRecorder::item(const Json& payload) {
     line("response_item", encodeJson(payload));
 }
 
-void RolloutTail::line(std::string_view type, const std::string& payload) {
+void RolloutRecorder::line(std::string_view type, const std::string& payload) {
     text += generator::rolloutLineHead(time, ordinal++, type) + payload + "}\n";
 }
 
-void RolloutTail::write() {
+void RolloutRecorder::write() {
     std::ofstream(session.path, std::ios::app) << text;
     text.clear();
 }

@@ -10,11 +10,11 @@
 namespace fleetwise::demo {
 
 /// Writes a Codex session's rollout as Codex would while the session is at work.
-class RolloutTail {
+class RolloutRecorder {
 public:
     /// Begins the file of the session that `book` describes by its first fields. `inherited` are
     /// the whole lines copied from its parent's.
-    RolloutTail(generator::RolloutBook book, std::string_view inherited, std::uint64_t seed);
+    RolloutRecorder(generator::RolloutBook book, std::string_view inherited, std::uint64_t seed);
 
     void append(const CodexStep& step, Date now);
 
@@ -24,11 +24,13 @@ private:
     void appendMove(const CodexStep& step);
     void beginTurn(std::string_view prompt);
     void callTool(std::string_view name, const Json& arguments);
+    void receive(std::string_view output);
     void answer(std::string_view message);
     void countTokens();
     void message(std::string_view role, std::string_view said);
     void event(Json payload);
     void item(const Json& payload);
+    void completed(Json done);
     void line(std::string_view type, const std::string& payload);
     void write();
 
@@ -38,7 +40,8 @@ private:
     int ordinal = 0;
     std::string turnId;
     std::string callId;
-    std::string text;  ///< what is to be appended
+    std::string command;  ///< the one that runs
+    std::string text;     ///< what is to be appended
 };
 
 }  // namespace fleetwise::demo

@@ -8,9 +8,9 @@ namespace fleetwise::demo {
 
 /// Goes on with a session's transcript as the agent would: prompts, answers, tools with their
 /// results, and the tokens that each request took.
-class TranscriptTail {
+class TranscriptRecorder {
 public:
-    TranscriptTail(const generator::SessionBook& book, std::uint64_t seed);
+    TranscriptRecorder(const generator::SessionBook& book, std::uint64_t seed);
 
     /// Appends what the agent writes for the event `payload` of the scene; for most there is
     /// nothing.

@@ -20,6 +20,12 @@ std::string inState(std::string_view path) {
     return joinPath(Paths::stateDir(), path);
 }
 
+/// $XDG_CONFIG_HOME, as the XDG base directory specification has it: relative paths do not count.
+std::string configDir() {
+    const char* environment = std::getenv("XDG_CONFIG_HOME");
+    return environment != nullptr && *environment == '/' ? environment : inHome(".config");
+}
+
 }  // namespace
 
 std::string Paths::home() {
@@ -71,7 +77,10 @@ std::string Paths::promptHistoryFile() {
 }
 
 std::string Paths::desktopCodeSessions() {
-    return inHome("Library/Application Support/Claude/claude-code-sessions");
+    const std::string application = inHome("Library/Application Support/Claude");
+    const bool isThere = inspectFile(application).has_value();
+    return joinPath(isThere ? application : joinPath(configDir(), "Claude"),
+                    "claude-code-sessions");
 }
 std::string Paths::codexDir() {
     return inHome(".codex");

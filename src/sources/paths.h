@@ -30,8 +30,11 @@ public:
     static std::string projectsDir();          ///< Claude Code's transcripts
     static std::string tasksDir();             ///< Claude Code's task lists
     static std::string promptHistoryFile();    ///< Claude Code's prompt history
-    static std::string desktopCodeSessions();  ///< the desktop app's session metadata
+    static std::string desktopCodeSessions();  ///< the desktop app's session metadata, see below
     static std::string codexDir();             ///< Codex's own folder
+
+    // The desktop app keeps its files in ~/Library/Application Support/Claude, and where there is
+    // no such folder in $XDG_CONFIG_HOME/Claude (~/.config/Claude).
 
     /// Creates the state folder and its "status" folder, mode 0700.
     static tl::expected<void, std::error_code> ensureStateDirectories();

@@ -1,7 +1,9 @@
 #include "fleet/codex_threads.h"
 
 #include <algorithm>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 namespace fleetwise {
@@ -15,10 +17,6 @@ constexpr Seconds busyPatience{300};
 
 /// The start of a process is known to a second only.
 constexpr Seconds clockTolerance{2};
-
-bool isRecent(Date date, Date now) {
-    return now - date <= busyPatience && date - now <= busyPatience;
-}
 
 bool mayHaveWritten(const CodexProcess& process, Date modifiedAt) {
     return process.openRollouts.empty() && process.startedAt &&
@@ -36,40 +34,72 @@ void markByOpenFiles(Threads& threads, const CodexProcess& process) {
     }
 }
 
-void markByFolder(Threads& threads, const CodexProcess& process) {
-    const auto mayBeItsOwn = [&](const CodexThread& thread) {
-        const CodexRollout& rollout = thread.rollout;
-        return !thread.isLive && rollout.kind != RolloutKind::subagent && rollout.cwd &&
-               rollout.cwd == process.cwd && mayHaveWritten(process, rollout.modifiedAt);
-    };
-    const auto latest = std::find_if(threads.begin(), threads.end(), mayBeItsOwn);
-    if (latest != threads.end()) markLive(*latest, process.pid);
+std::string_view withoutLastSlash(std::string_view folder) {
+    if (folder.size() > 1 && folder.ends_with('/')) folder.remove_suffix(1);
+    return folder;
 }
 
-void markLiveThreads(Threads& threads, const std::vector<CodexProcess>& processes, Date now) {
+void markByFolder(Threads& threads, const CodexProcess& process) {
+    if (!process.cwd) return;
+    CodexThread* latest = nullptr;
+    for (CodexThread& thread : threads) {
+        const CodexRollout& rollout = thread.rollout;
+        const bool mayBeItsOwn = !thread.isLive && rollout.kind != RolloutKind::subagent &&
+                                 rollout.cwd && withoutLastSlash(*rollout.cwd) == *process.cwd &&
+                                 mayHaveWritten(process, rollout.modifiedAt);
+        if (!mayBeItsOwn) continue;
+        if (latest == nullptr) latest = &thread;
+        if (!rollout.startedAt || *rollout.startedAt + clockTolerance < *process.startedAt)
+            continue;
+        latest = &thread;
+        break;
+    }
+    if (latest != nullptr) markLive(*latest, process.pid);
+}
+
+void markLiveThreads(Threads& threads, std::vector<CodexProcess> processes, Date now) {
     for (const CodexProcess& process : processes)
         markByOpenFiles(threads, process);
+    // The later a process began, the fewer rollouts it can have written.
+    std::ranges::stable_sort(processes, std::greater(), &CodexProcess::startedAt);
     for (const CodexProcess& process : processes)
         markByFolder(threads, process);
     for (CodexThread& thread : threads) {
         const CodexRollout& rollout = thread.rollout;
-        if (isBusy(rollout.state) && isRecent(rollout.lastEventAt, now)) thread.isLive = true;
+        if (isBusy(rollout.state) && isRecentWork(rollout.lastEventAt, now)) thread.isLive = true;
     }
 }
 
-/// The session that a branch, or the branch that it comes from, and so on, comes from.
-CodexThread* rootOf(Threads& threads, const NumbersById& numbers, const CodexThread& branch) {
-    const CodexThread* current = &branch;
-    // No chain is longer, but for one that closes to a circle.
-    for (std::size_t step = 0; step < threads.size(); ++step) {
-        const auto& parentId = current->rollout.parentId;
-        const auto parent = parentId ? numbers.find(*parentId) : numbers.end();
-        if (parent == numbers.end()) return nullptr;
-        CodexThread& found = threads[parent->second];
-        if (found.rollout.kind == RolloutKind::session) return &found;
-        current = &found;
+/// For each thread the session that it, or the branch that it comes from, and so on, comes from;
+/// null where that is not among them or a chain closes to a circle.
+std::vector<CodexThread*> rootsOf(Threads& threads, const NumbersById& numbers) {
+    std::vector<CodexThread*> roots(threads.size());
+    std::vector<bool> isSeen(threads.size());
+    std::vector<std::size_t> chain;
+    for (std::size_t first = 0; first < threads.size(); ++first) {
+        CodexThread* root = nullptr;
+        for (std::size_t number = first;;) {
+            if (isSeen[number]) {
+                root = roots[number];
+                break;
+            }
+            isSeen[number] = true;
+            chain.push_back(number);
+            CodexThread& thread = threads[number];
+            if (thread.rollout.kind == RolloutKind::session) {
+                root = &thread;
+                break;
+            }
+            const auto& parentId = thread.rollout.parentId;
+            const auto parent = parentId ? numbers.find(*parentId) : numbers.end();
+            if (parent == numbers.end()) break;
+            number = parent->second;
+        }
+        for (const std::size_t number : chain)
+            roots[number] = root;
+        chain.clear();
     }
-    return nullptr;
+    return roots;
 }
 
 /// Lets the session show what goes on in its fork.
@@ -88,6 +118,8 @@ void follow(CodexThread& session, const CodexThread& fork) {
 
 void addBranch(CodexThread& session, const CodexThread& branch) {
     session.lastActivityAt = std::max(session.lastActivityAt, branch.lastActivityAt);
+    session.branches.push_back(
+        {.sessionId = branch.rollout.sessionId, .lastEventAt = branch.rollout.lastEventAt});
     if (!branch.isLive) return;
     const CodexRollout& rollout = branch.rollout;
     if (rollout.kind == RolloutKind::subagent) {
@@ -101,9 +133,13 @@ void addBranch(CodexThread& session, const CodexThread& branch) {
 
 }  // namespace
 
+bool isRecentWork(Date date, Date now) {
+    return now - date <= busyPatience && date - now <= busyPatience;
+}
+
 bool mayBeLive(const FoundFile& rollout, const std::vector<CodexProcess>& processes, Date now) {
     const Date modifiedAt = modificationDate(rollout.stamp);
-    return isRecent(modifiedAt, now) ||
+    return isRecentWork(modifiedAt, now) ||
            std::any_of(processes.begin(), processes.end(), [&](const CodexProcess& process) {
                return process.openRollouts.contains(rollout.name) ||
                       mayHaveWritten(process, modifiedAt);
@@ -124,9 +160,10 @@ std::vector<CodexThread> codexThreads(std::vector<CodexRollout> rollouts,
     const auto isBranch = [](const CodexThread& thread) {
         return thread.rollout.kind != RolloutKind::session;
     };
-    for (const CodexThread& thread : threads) {
-        if (!isBranch(thread)) continue;
-        if (CodexThread* session = rootOf(threads, numbers, thread)) addBranch(*session, thread);
+    const std::vector<CodexThread*> roots = rootsOf(threads, numbers);
+    for (std::size_t number = 0; number < threads.size(); ++number) {
+        if (roots[number] != nullptr && isBranch(threads[number]))
+            addBranch(*roots[number], threads[number]);
     }
     std::erase_if(threads, isBranch);
     return threads;

@@ -1,6 +1,5 @@
 #include "fleet/collection_pass.h"
 
-#include "fleet/codex_threads.h"
 #include "sources/project_folder.h"
 
 #include <algorithm>
@@ -57,15 +56,17 @@ void CollectionPass::addCodexSessions() {
         sources.codexDirectory,
         [&](const FoundFile& file) { return isRolloutWished(file, processes); }, skippedRollouts);
     unlistedRollouts = std::move(listing.otherIds);
-    collection.codexFiles = {.branches = listing.rollouts.size(), .compressed = listing.compressed};
+    const std::size_t rollouts = listing.rollouts.size();
     auto threads = codexThreads(std::move(listing.rollouts), processes, now);
-    collection.codexFiles.sessions = threads.size();
-    collection.codexFiles.branches -= threads.size();
+    collection.codexFiles = {.sessions = threads.size(),
+                             .branches = rollouts - threads.size(),
+                             .compressed = listing.compressed};
     collection.sessions.reserve(collection.sessions.size() + threads.size());
     for (CodexThread& thread : threads) {
         const std::string id = thread.rollout.sessionId;
         if (isListed(id)) continue;
-        Session session = codexSession(std::move(thread), recordOf(id), rules);
+        const StatusStore::Record* record = recordOf(thread);
+        Session session = codexSession(std::move(thread), record, rules);
         if (session.isLive || (isRecentEnough(session) && mayList(id, session.state))) {
             findHost(session);
             add(std::move(session));
@@ -177,9 +178,10 @@ bool CollectionPass::isRolloutWished(const FoundFile& file,
     const Seconds age = now - modificationDate(file.stamp);
     const Seconds limit =
         std::min(input.dormantMaxAge.value_or(CodexStore::maximumAge), CodexStore::maximumAge);
-    return (limit.count() > 0 && age <= limit) || mayBeLive(file, processes, now) ||
-           (!input.keepRegardlessOfAge.empty() &&
-            input.keepRegardlessOfAge.contains(CodexStore::idInName(file.name)));
+    if ((limit.count() > 0 && age <= limit) || mayBeLive(file, processes, now)) return true;
+    const std::string id = CodexStore::idInName(file.name);
+    const StatusStore::Record* record = recordOf(id);
+    return input.keepRegardlessOfAge.contains(id) || (record != nullptr && asksUser(*record));
 }
 
 bool CollectionPass::isEndedSessionOfKnownAgent(const StatusStore::Record& record) const {
@@ -197,6 +199,15 @@ void CollectionPass::add(Session session) {
 const StatusStore::Record* CollectionPass::recordOf(const std::string& id) const {
     const auto found = records.find(id);
     return found == records.end() ? nullptr : found->second.get();
+}
+
+const StatusStore::Record* CollectionPass::recordOf(const CodexThread& thread) const {
+    for (const CodexThread::Branch& branch : thread.branches) {
+        const StatusStore::Record* record = recordOf(branch.sessionId);
+        if (record != nullptr && asksUser(*record) && lastEventDate(*record) > branch.lastEventAt)
+            return record;
+    }
+    return recordOf(thread.rollout.sessionId);
 }
 
 const DesktopMetadata* CollectionPass::desktopOf(const std::string& id) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fleet/codex_threads.h"
 #include "fleet/fleet_snapshot.h"
 #include "fleet/session_builder.h"
 #include "sources/session_history.h"
@@ -59,6 +60,9 @@ private:
     void add(Session session);
 
     const StatusStore::Record* recordOf(const std::string& id) const;
+    /// The session's own, but a fork's or a subagent's that asks the user something and has done
+    /// nothing since.
+    const StatusStore::Record* recordOf(const CodexThread& thread) const;
     const DesktopMetadata* desktopOf(const std::string& id) const;
 
     std::optional<TranscriptFile> transcriptOf(const Session& session) const;

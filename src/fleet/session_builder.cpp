@@ -1,5 +1,6 @@
 // Which source fills which field. Each function below takes one source; the order in which a
-// builder calls them is the order of precedence, since a field that is filled stays as it is.
+// builder calls them is the order of precedence, since a field that is filled stays as it is. A
+// rollout comes after the record and takes the fields it knows of over.
 
 #include "fleet/session_builder.h"
 
@@ -24,11 +25,16 @@ void noteActivity(Session& session, const std::optional<Date>& date) {
     if (date) session.lastActivityAt = std::max(session.lastActivityAt.value_or(*date), *date);
 }
 
+/// When the hook last heard of the session's own state, not of its subagents.
+Date stateDate(const StatusStore::Record& record) {
+    return record.stateTs.value_or(lastEventDate(record));
+}
+
 /// When the recorded state began.
 Date recordedSince(const StatusStore::Record& record, SessionState state) {
     if (state == SessionState::done && record.doneAt) return *record.doneAt;
     if (isBusy(state) && record.turnStartedAt) return *record.turnStartedAt;
-    return record.stateTs.value_or(lastEventDate(record));
+    return stateDate(record);
 }
 
 void takeRecord(Session& session, const StatusStore::Record& record) {
@@ -95,7 +101,7 @@ void takeRollout(Session& session, CodexThread& thread) {
     }
     session.title = std::move(rollout.title);
     if (!session.title) session.title = TranscriptReader::cleanedPrompt(rollout.firstPrompt);
-    session.cwd = std::move(rollout.cwd);
+    if (rollout.cwd) session.cwd = std::move(rollout.cwd);
     session.model = std::move(rollout.model);
     session.effort = std::move(rollout.effort);
     session.startedAt = rollout.startedAt;
@@ -111,8 +117,17 @@ void takeRollout(Session& session, CodexThread& thread) {
 
 /// Whether the hook heard of a running session after its rollout last told its state.
 bool isLaterWord(const StatusStore::Record& record, Date told) {
-    return record.stateTs.value_or(lastEventDate(record)) > told &&
-           record.state != rawValue(SessionState::dormant);
+    return stateDate(record) > told && record.state != rawValue(SessionState::dormant);
+}
+
+/// Whether the record tells that the session runs where no process does: a question stays open for
+/// a day, work that is recorded goes on for five minutes.
+bool showsLife(const StatusStore::Record& record, const CodexThread& thread, Date now) {
+    const Date heardAt = lastEventDate(record);
+    if (heardAt <= thread.rollout.lastEventAt) return false;
+    const SessionState state = repairedState(record);
+    return (asksUser(record) && now - heardAt < foreignLiveTime) ||
+           (isBusy(state) && isRecentWork(heardAt, now));
 }
 
 /// An error that the desktop app reported after the last event ended the turn.
@@ -200,18 +215,19 @@ Session foreignSession(const StatusStore::Record& record, const BuildingRules& r
     return session;
 }
 
+bool asksUser(const StatusStore::Record& record) {
+    const SessionState state = repairedState(record);
+    return state == SessionState::decision || state == SessionState::waiting;
+}
+
 Session codexSession(CodexThread thread, const StatusStore::Record* record,
                      const BuildingRules& rules) {
     Session session;
     session.id = std::move(thread.rollout.sessionId);
     session.pid = thread.pid;
-    session.isLive = thread.isLive;
+    session.isLive = thread.isLive || (record != nullptr && showsLife(*record, thread, rules.now));
     if (record != nullptr) takeRecord(session, *record);
     takeRollout(session, thread);
-    if (!session.isLive) {
-        endSession(session);
-        return session;
-    }
     StateFinding finding{.state = thread.rollout.state};
     session.stateSince = thread.rollout.stateSince.value_or(thread.rollout.lastEventAt);
     if (record != nullptr && isLaterWord(*record, *session.stateSince)) {
@@ -221,8 +237,15 @@ Session codexSession(CodexThread thread, const StatusStore::Record* record,
         session.turnStartedAt = thread.rollout.turnStartedAt;
         session.activity = std::move(thread.rollout.activity);
         session.lastMessage = std::move(thread.rollout.failure);
+        session.lastEvent.reset();
+        session.lastTool.reset();
+        session.subagentCount = thread.runningSubagents;
     }
-    showState(session, finding, rules);
+    if (session.isLive) {
+        showState(session, finding, rules);
+    } else {
+        endSession(session);
+    }
     return session;
 }
 

@@ -28,11 +28,14 @@ Session dormantSession(const SessionHistory::Candidate& candidate,
 /// A session that only a status record tells of. A record younger than a day counts as live.
 Session foreignSession(const StatusStore::Record& record, const BuildingRules& rules);
 
-/// A Codex session, with the hook's record where Codex runs the hook too (null otherwise). Of a
-/// live one the record tells the state where its event is later than the rollout's last task
-/// event; an ended one is `dormant`.
+/// A Codex session, with the hook's record where Codex runs the hook too (null otherwise). The
+/// record tells the state where its event is later than the rollout's last task event, and that the
+/// session is live where it asks the user something or is at work; an ended one is `dormant`.
 Session codexSession(CodexThread thread, const StatusStore::Record* record,
                      const BuildingRules& rules);
+
+/// Whether the hook says that the user is asked something.
+bool asksUser(const StatusStore::Record& record);
 
 /// When the hook last heard of the session.
 Date lastEventDate(const StatusStore::Record& record);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "foundation/directory.h"
+#include "foundation/skip_tally.h"
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,13 +14,15 @@ namespace fleetwise {
 struct FoundFile {
     std::string path;
     std::string name;  ///< without its folder
-    FileKind kind = FileKind::other;
-    FileStamp stamp;  ///< filled for regular files only
+    FileStamp stamp;
 };
 
-/// Everything but folders in `root` and in the folders below it whose name begins with `prefix`.
-/// Links are found, not followed. A folder that is missing or cannot be listed holds nothing. In
-/// no particular order.
-std::vector<FoundFile> findFiles(const std::string& root, std::string_view prefix);
+/// The regular files in `root` and in the folders below it whose name begins with `prefix` and ends
+/// in one of `extensions`, in no particular order. What has such a name and is no folder either is
+/// counted in `skipped`; links are not followed. A folder that is missing or cannot be listed holds
+/// nothing.
+std::vector<FoundFile> findRegularFiles(const std::string& root, std::string_view prefix,
+                                        std::initializer_list<std::string_view> extensions,
+                                        SkipTally& skipped);
 
 }  // namespace fleetwise

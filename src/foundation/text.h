@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -7,6 +8,17 @@ namespace fleetwise {
 
 /// Without ASCII white space at both ends.
 std::string_view trimmed(std::string_view text);
+
+/// Calls `visit(std::string_view)` for each line of `text`, without its line feed; also for a last
+/// one that has none.
+template <typename Visit>
+void forEachLine(std::string_view text, Visit&& visit) {
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        visit(line);
+    }
+}
 
 /// ASCII letters in lower case, all other bytes as they are.
 std::string asciiLowercased(std::string_view text);

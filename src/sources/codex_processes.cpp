@@ -1,5 +1,7 @@
 #include "sources/codex_processes.h"
 
+#include "sources/codex_store.h"
+
 #include <array>
 
 namespace fleetwise {
@@ -24,7 +26,7 @@ std::set<std::string> rolloutsAmong(const std::vector<std::string>& paths) {
     std::set<std::string> rollouts;
     for (const std::string_view path : paths) {
         const std::string_view name = path.substr(path.find_last_of('/') + 1);
-        if (name.starts_with("rollout-") && name.ends_with(".jsonl")) rollouts.emplace(name);
+        if (CodexStore::isRolloutName(name)) rollouts.emplace(name);
     }
     return rollouts;
 }

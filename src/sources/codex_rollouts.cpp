@@ -9,6 +9,15 @@ namespace {
 
 constexpr std::size_t longestIndex = 16 << 20;
 
+/// The end of a line, with the figures or the words that tell it from another; empty where it
+/// cannot be read.
+std::string textBefore(const RegularFile& file, std::uint64_t offset) {
+    constexpr std::uint64_t length = 64;
+    std::string text(std::min(length, offset), '\0');
+    text.resize(file.read(offset - text.size(), text).value_or(0));
+    return text;
+}
+
 }  // namespace
 
 CodexRollouts::Listing CodexRollouts::load(const std::string& codexDirectory, const Wish& isWished,
@@ -27,28 +36,36 @@ CodexRollouts::Listing CodexRollouts::load(const std::string& codexDirectory, co
         }
     }
     const auto values = readWithParents(wished, others, skipped);
-    const auto names = threadNames(joinPath(codexDirectory, "session_index.jsonl"), skipped);
     for (const auto& [id, file] : others)
         listing.otherIds.insert(id);
+    const auto names = threadNames(joinPath(codexDirectory, "session_index.jsonl"), skipped);
+    list(wished, values, *names, listing, skipped);
+    return listing;
+}
+
+/// Adds what the files tell to `listing`.
+void CodexRollouts::list(const std::vector<FoundFile>& files,
+                         const FileCache<Reading>::Values& values,
+                         const CodexStore::ThreadNames& names, Listing& listing,
+                         SkipTally& skipped) {
     std::unordered_set<std::string_view> listed;  // views into the readings
-    listing.rollouts.reserve(wished.size());
-    for (const std::size_t number : latestFirst(wished, values)) {
-        const FoundFile& file = wished[number];
+    listing.rollouts.reserve(files.size());
+    for (const std::size_t number : latestFirst(files, values)) {
+        const FoundFile& file = files[number];
         const auto& reading = values[number];
-        if (reading && reading->head) {
-            if (!listed.insert(*reading->head->sessionId).second) continue;
-            CodexRollout rollout = rolloutOf(file, *reading, *names);
+        if (reading && reading->start.head) {
+            if (!listed.insert(*reading->start.head->sessionId).second) continue;
+            CodexRollout rollout = rolloutOf(file, *reading, names);
             if (rollout.kind != RolloutKind::session) listing.otherIds.insert(rollout.sessionId);
             listing.rollouts.push_back(std::move(rollout));
         } else if (reading && file.stamp.sizeBytes > 0) {
             ++skipped.malformed;
         }
     }
-    return listing;
 }
 
 Date CodexRollouts::lastEventAt(const FoundFile& file, const Reading& reading) {
-    return reading.tail.lastEventAt.value_or(modificationDate(file.stamp));
+    return reading.end.tail.lastEventAt.value_or(modificationDate(file.stamp));
 }
 
 /// The numbers of the files, by the last event in them.
@@ -73,10 +90,16 @@ FileCache<CodexRollouts::Reading>::Values CodexRollouts::readWithParents(
         return read(file, known, skipped);
     };
     return readings.load(files, make, [&](const auto& reading) -> std::optional<FoundFile> {
-        if (!reading || !reading->head || !reading->head->parentId) return {};
-        auto parent = others.extract(*reading->head->parentId);
+        if (!reading || !reading->start.head || !reading->start.head->parentId) return {};
+        auto parent = others.extract(*reading->start.head->parentId);
         return parent ? std::optional(std::move(parent.mapped())) : std::nullopt;
     });
+}
+
+/// Whether the file is the one that was read, with nothing done to it but lines appended.
+bool CodexRollouts::goesOn(const RegularFile& file, const Reading& known) {
+    return known.identity == file.identity() &&
+           textBefore(file, known.end.nextLine) == known.lastRead;
 }
 
 std::shared_ptr<const CodexRollouts::Reading> CodexRollouts::read(
@@ -86,32 +109,34 @@ std::shared_ptr<const CodexRollouts::Reading> CodexRollouts::read(
         skipped.count(opened.error());
         return nullptr;
     }
-    Reading reading{.identity = opened->identity(), .nextLine = 0, .head = {}, .tail = {}};
-    const auto size = static_cast<std::uint64_t>(opened->stamp().sizeBytes);
-    if (known && known->identity == reading.identity && known->nextLine <= size) reading = *known;
+    Reading reading;
+    if (known && goesOn(*opened, *known)) reading = *known;
+    reading.identity = opened->identity();
 
     // A head that has no prompt yet may have been read before all of it was written.
+    const auto& head = reading.start.head;
     const bool isHeadWhole =
-        reading.head && (reading.head->firstPrompt || reading.nextLine >= RolloutHead::window);
-    const auto tail = RolloutTail::read(*opened, reading.nextLine);
-    auto head = isHeadWhole ? reading.head : RolloutHead::read(*opened);
-    if (!tail || !head) {
-        skipped.count(tail ? head.error() : tail.error());
+        head && (head->firstPrompt || reading.end.nextLine >= reading.start.end);
+    auto end = RolloutTail::read(*opened, reading.end.nextLine);
+    auto start = isHeadWhole ? reading.start : RolloutHead::read(*opened);
+    if (!start || !end) {
+        skipped.count(start ? end.error() : start.error());
         return nullptr;
     }
-    reading.head = *std::move(head);
-    if (reading.head && !reading.head->sessionId) {
-        reading.head->sessionId = CodexStore::idInName(file.name);
+    if (start->head && !start->head->sessionId) {
+        start->head->sessionId = CodexStore::idInName(file.name);
     }
-    reading.tail = reading.tail.followedBy(tail->tail);
-    reading.nextLine = tail->nextLine;
+    reading.start = *std::move(start);
+    reading.end.tail = reading.end.tail.followedBy(std::move(end->tail));
+    reading.end.nextLine = end->nextLine;
+    reading.lastRead = textBefore(*opened, end->nextLine);
     return std::make_shared<const Reading>(std::move(reading));
 }
 
 CodexRollout CodexRollouts::rolloutOf(const FoundFile& file, const Reading& reading,
                                       const CodexStore::ThreadNames& names) {
-    const RolloutHead& head = *reading.head;
-    const RolloutTail& tail = reading.tail;
+    const RolloutHead& head = *reading.start.head;
+    const RolloutTail& tail = reading.end.tail;
     CodexRollout rollout;
     rollout.sessionId = *head.sessionId;
     rollout.cwd = head.cwd;
@@ -146,8 +171,7 @@ std::shared_ptr<const CodexStore::ThreadNames> CodexRollouts::threadNames(const 
     static const auto none = std::make_shared<const CodexStore::ThreadNames>();
     const auto entry = inspectFile(path);
     if (!entry) return none;
-    const FoundFile file{
-        .path = path, .name = entry->name, .kind = entry->kind, .stamp = entry->stamp};
+    const FoundFile file{.path = path, .name = entry->name, .stamp = entry->stamp};
     const auto values = index.load({file}, [&](const FoundFile& found, const auto&) {
         const auto contents = readRegularFile(found.path, longestIndex);
         if (!contents) skipped.count(contents.error());

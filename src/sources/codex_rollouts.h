@@ -1,8 +1,11 @@
 #pragma once
 
 #include "foundation/skip_tally.h"
+#include "sources/codex_rollout.h"
 #include "sources/codex_store.h"
 #include "sources/file_cache.h"
+#include "sources/rollout_head.h"
+#include "sources/rollout_tail.h"
 
 #include <functional>
 #include <memory>
@@ -35,18 +38,23 @@ private:
     /// What one file tells, as far as it was written when it was read.
     struct Reading {
         FileIdentity identity;
-        std::uint64_t nextLine = 0;
-        std::optional<RolloutHead> head;
-        RolloutTail tail;
+        RolloutHead::Reading start;
+        RolloutTail::Reading end;
+        /// What stands before the end's next line. A file that does not have it there any more was
+        /// written anew, though it may have kept its identity.
+        std::string lastRead;
     };
 
     using FilesById = std::unordered_multimap<std::string, FoundFile>;
 
     FileCache<Reading>::Values readWithParents(std::vector<FoundFile>& files, FilesById& others,
                                                SkipTally& skipped);
+    static bool goesOn(const RegularFile& file, const Reading& known);
     static std::shared_ptr<const Reading> read(const FoundFile& file,
                                                const std::shared_ptr<const Reading>& known,
                                                SkipTally& skipped);
+    static void list(const std::vector<FoundFile>& files, const FileCache<Reading>::Values& values,
+                     const CodexStore::ThreadNames& names, Listing& listing, SkipTally& skipped);
     static Date lastEventAt(const FoundFile& file, const Reading& reading);
     static std::vector<std::size_t> latestFirst(const std::vector<FoundFile>& files,
                                                 const FileCache<Reading>::Values& values);

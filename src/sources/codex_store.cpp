@@ -2,6 +2,7 @@
 
 #include "foundation/json_reader.h"
 #include "foundation/text.h"
+#include "sources/codex_rollout.h"
 
 #include <algorithm>
 #include <array>
@@ -29,22 +30,23 @@ bool isTerminalClient(const std::string& originator) {
 }  // namespace
 
 bool CodexStore::isAvailable(const std::string& sessionsDirectory) {
-    const auto entry = inspectFile(sessionsDirectory + "/.");
+    // By way of ".", for the folder itself may be a link that its user made.
+    const auto entry = inspectFile(joinPath(sessionsDirectory, "."));
     return entry && entry->kind == FileKind::directory;
 }
 
 CodexStore::Files CodexStore::files(const std::string& sessionsDirectory, SkipTally& skipped) {
     Files files;
-    for (FoundFile& file : findFiles(sessionsDirectory, namePrefix)) {
+    for (FoundFile& file :
+         findRegularFiles(sessionsDirectory, namePrefix, {extension, packedExtension}, skipped)) {
         const bool isPacked = file.name.ends_with(packedExtension);
-        if (!isPacked && !file.name.ends_with(extension)) continue;
-        if (file.kind != FileKind::regular) {
-            ++skipped.notRegular;
-        } else {
-            (isPacked ? files.compressed : files.rollouts).push_back(std::move(file));
-        }
+        (isPacked ? files.compressed : files.rollouts).push_back(std::move(file));
     }
     return files;
+}
+
+bool CodexStore::isRolloutName(std::string_view fileName) {
+    return fileName.starts_with(namePrefix) && fileName.ends_with(extension);
 }
 
 std::string CodexStore::idInName(std::string_view fileName) {
@@ -60,9 +62,7 @@ std::string CodexStore::idInName(std::string_view fileName) {
 CodexStore::ThreadNames CodexStore::threadNames(std::string_view padded) {
     ThreadNames names;
     JsonReader json;
-    while (!padded.empty()) {
-        const std::string_view line = padded.substr(0, padded.find('\n'));
-        padded.remove_prefix(std::min(line.size() + 1, padded.size()));
+    forEachLine(padded, [&](std::string_view line) {
         json.readObject(line, [&](JsonObject& entry) {
             const auto id = memberIfPresent<std::string_view>(entry, "id");
             const auto name = memberIfPresent<std::string_view>(entry, "thread_name");
@@ -70,7 +70,7 @@ CodexStore::ThreadNames CodexStore::threadNames(std::string_view padded) {
                 names.insert_or_assign(std::string(*id), std::string(trimmed(*name)));
             }
         });
-    }
+    });
     return names;
 }
 

@@ -4,9 +4,6 @@
 #include "foundation/skip_tally.h"
 #include "session/session_origin.h"
 #include "session/session_state.h"
-#include "sources/codex_rollout.h"
-#include "sources/rollout_head.h"
-#include "sources/rollout_tail.h"
 
 #include <optional>
 #include <string>
@@ -16,6 +13,10 @@
 #include <vector>
 
 namespace fleetwise {
+
+struct CodexRollout;
+struct RolloutHead;
+struct RolloutTail;
 
 /// What Codex leaves behind: a "rollout" per session below ~/.codex/sessions, one JSON object a
 /// line, appended to while the session runs, and an index of the names that users gave. Nothing is
@@ -42,6 +43,9 @@ public:
 
     /// The rollouts in the folder and all folders below it; links are counted in `skipped`.
     static Files files(const std::string& sessionsDirectory, SkipTally& skipped);
+
+    /// Whether a file of this name is a rollout that Codex may write to.
+    static bool isRolloutName(std::string_view fileName);
 
     /// The session id in the name of a rollout, "rollout-<time>-<id>.jsonl", packed or not; all
     /// between prefix and extension where no time stands there.

@@ -56,17 +56,6 @@ bool readMeta(JsonObject& object, Meta& meta) {
            read(object, "errorAt", meta.errorAt);
 }
 
-std::vector<FoundFile> metadataFiles(const std::string& root, SkipTally& skipped) {
-    std::vector<FoundFile> files = findFiles(root, namePrefix);
-    std::erase_if(files, [&](const FoundFile& file) {
-        if (!file.name.ends_with(extension)) return true;
-        if (file.kind == FileKind::regular) return false;
-        ++skipped.notRegular;
-        return true;
-    });
-    return files;
-}
-
 /// Null where the file cannot be read at all.
 std::shared_ptr<const std::optional<Meta>> readFile(const std::string& path, SkipTally& skipped) {
     const auto contents = readRegularFile(path, maximumFileSize);
@@ -87,7 +76,7 @@ DesktopMetadataStore& DesktopMetadataStore::shared() {
 DesktopSessions DesktopMetadataStore::load(const std::string& root, SkipTally& skipped) {
     DesktopSessions sessions;
     const auto values = cache.load(
-        metadataFiles(root, skipped),
+        findRegularFiles(root, namePrefix, {extension}, skipped),
         [&](const FoundFile& file, const auto&) { return readFile(file.path, skipped); });
     for (const auto& value : values) {
         if (!value) continue;

@@ -13,7 +13,7 @@ namespace fleetwise {
 namespace {
 
 struct KnownProgram {
-    std::string_view program;  ///< the last part of the executable's path, or another key
+    std::string_view key;  ///< the last part of the executable's path, or another key
     std::string_view name;
     std::string_view bundleId;
 };
@@ -94,7 +94,7 @@ HostApplication hostOf(const KnownProgram& known) {
 }
 
 std::optional<HostApplication> lookUp(std::span<const KnownProgram> table, std::string_view key) {
-    const auto known = std::ranges::find(table, key, &KnownProgram::program);
+    const auto known = std::ranges::find(table, key, &KnownProgram::key);
     return known == table.end() ? std::nullopt : std::optional(hostOf(*known));
 }
 
@@ -115,7 +115,7 @@ std::optional<HostApplication> javaEditorAround(std::string_view executable) {
     for (std::string_view rest = folders; !rest.empty();) {
         const std::string_view folder = takeLast(rest, '/');
         for (const KnownProgram& editor : javaEditors) {
-            if (folder.starts_with(editor.program)) return hostOf(editor);
+            if (folder.starts_with(editor.key)) return hostOf(editor);
         }
     }
     return {};

@@ -1,15 +1,14 @@
 // The process table of Linux: /proc, as proc(5) describes it.
 
+#include "foundation/directory.h"
 #include "foundation/file_descriptor.h"
 #include "foundation/text.h"
 #include "sources/process_table.h"
 
 #include <fmt/format.h>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,7 +16,6 @@
 #include <cerrno>
 #include <charconv>
 #include <fstream>
-#include <memory>
 
 namespace fleetwise {
 
@@ -59,27 +57,17 @@ std::string_view statField(std::string_view stat, int number) {
     return {};
 }
 
-struct CloseDirectory {
-    void operator()(DIR* directory) const { ::closedir(directory); }
+/// Where a link leads; nothing where there is none, and `mayNotLook` where it may not be read.
+struct LinkTarget {
+    std::optional<std::string> path;
+    bool mayNotLook = false;
 };
 
-/// Calls `visit(descriptor of the folder, name)` for each name in the folder, "." and ".." too.
-template <typename Visit>
-void forEachName(const std::string& folder, Visit visit) {
-    const std::unique_ptr<DIR, CloseDirectory> directory(::opendir(folder.c_str()));
-    if (!directory) return;
-    const int descriptor = ::dirfd(directory.get());
-    while (const dirent* listed = ::readdir(directory.get()))
-        visit(descriptor, listed->d_name);
-}
-
-using PathBuffer = std::array<char, 4096>;
-
-/// Where a link leads, as a view into `buffer`; empty where there is none or it may not be read.
-std::string_view linkTarget(int folder, const char* name, PathBuffer& buffer) {
-    const ssize_t length = ::readlinkat(folder, name, buffer.data(), buffer.size());
-    if (length <= 0) return {};
-    return {buffer.data(), static_cast<std::size_t>(length)};
+LinkTarget linkTarget(const std::string& link) {
+    std::array<char, 4096> buffer{};
+    const ssize_t length = ::readlink(link.c_str(), buffer.data(), buffer.size());
+    if (length <= 0) return {.path = {}, .mayNotLook = length < 0 && errno == EACCES};
+    return {.path = std::string(buffer.data(), static_cast<std::size_t>(length))};
 }
 
 std::string_view withoutDeletedMark(std::string_view path) {
@@ -89,11 +77,8 @@ std::string_view withoutDeletedMark(std::string_view path) {
 
 /// Where /proc/PID/`name` leads, also if that has since been removed.
 std::optional<std::string> procLink(std::int32_t pid, const char* name) {
-    PathBuffer buffer;
-    const std::string link = fmt::format("/proc/{}/{}", pid, name);
-    const std::string_view target = linkTarget(AT_FDCWD, link.c_str(), buffer);
-    if (target.empty()) return {};
-    return std::string(withoutDeletedMark(target));
+    const auto target = linkTarget(fmt::format("/proc/{}/{}", pid, name)).path;
+    return target ? std::optional(std::string(withoutDeletedMark(*target))) : std::nullopt;
 }
 
 /// By the real user in /proc/PID/status: the folder itself belongs to root where the process hides
@@ -117,6 +102,13 @@ bool isCalled(std::int32_t pid, std::span<const std::string_view> names) {
     return std::any_of(names.begin(), names.end(), [&](std::string_view name) {
         return trimmed(*called) == name.substr(0, longestName);
     });
+}
+
+bool runsOneOf(std::int32_t pid, std::span<const std::string_view> names) {
+    const LinkTarget program = linkTarget(fmt::format("/proc/{}/exe", pid));
+    if (!program.path) return program.mayNotLook && isCalled(pid, names);
+    const std::string_view path = withoutDeletedMark(*program.path);
+    return std::ranges::find(names, path.substr(path.find_last_of('/') + 1)) != names.end();
 }
 
 std::optional<Date> readBootTime() {
@@ -168,18 +160,10 @@ public:
     std::vector<std::int32_t> processesOf(
         std::span<const std::string_view> fileNames) const override {
         std::vector<std::int32_t> pids;
-        PathBuffer buffer;
-        forEachName("/proc", [&](int folder, const char* name) {
-            const auto pid = parsed<std::int32_t>(name);
-            if (!pid) return;
-            const std::string link = std::string(name) + "/exe";
-            const auto path = withoutDeletedMark(linkTarget(folder, link.c_str(), buffer));
-            const auto program = path.substr(path.find_last_of('/') + 1);
-            const auto end = fileNames.end();
-            const bool matches = path.empty() ? errno == EACCES && isCalled(*pid, fileNames)
-                                              : std::find(fileNames.begin(), end, program) != end;
-            if (matches && isOfThisUser(*pid)) pids.push_back(*pid);
-        });
+        for (const DirectoryEntry& entry : listDirectory("/proc")) {
+            const auto pid = parsed<std::int32_t>(entry.name);
+            if (pid && runsOneOf(*pid, fileNames) && isOfThisUser(*pid)) pids.push_back(*pid);
+        }
         std::sort(pids.begin(), pids.end());
         return pids;
     }
@@ -198,11 +182,12 @@ public:
 
     std::vector<std::string> openFiles(std::int32_t pid) const override {
         std::vector<std::string> paths;
-        PathBuffer buffer;
-        forEachName(fmt::format("/proc/{}/fd", pid), [&](int folder, const char* name) {
-            const std::string_view path = linkTarget(folder, name, buffer);
-            if (path.starts_with('/') && !path.ends_with(deletedMark)) paths.emplace_back(path);
-        });
+        const std::string folder = fmt::format("/proc/{}/fd", pid);
+        for (const DirectoryEntry& entry : listDirectory(folder)) {
+            auto path = linkTarget(joinPath(folder, entry.name)).path;
+            if (path && path->starts_with('/') && !path->ends_with(deletedMark))
+                paths.push_back(*std::move(path));
+        }
         return paths;
     }
 };

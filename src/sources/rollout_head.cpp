@@ -91,21 +91,23 @@ tl::expected<void, FileError> extend(const RegularFile& file, std::size_t size, 
 
 }  // namespace
 
-tl::expected<std::optional<RolloutHead>, FileError> RolloutHead::read(const RegularFile& file) {
+tl::expected<RolloutHead::Reading, FileError> RolloutHead::read(const RegularFile& file) {
     std::string text;
     if (const auto done = extend(file, window, text); !done) return tl::unexpected(done.error());
-    auto head = parse(text);
+    Reading reading{.head = parse(text), .end = window};
     const std::size_t lastLine = text.rfind('\n') + 1;
-    if (head || !namesMetaLine(std::string_view(text).substr(lastLine))) return head;
+    if (reading.head || !namesMetaLine(std::string_view(text).substr(lastLine))) return reading;
     // The window cuts the meta line, which is read to its end.
-    for (std::size_t size = 2 * window; size <= longestWindow; size += window) {
+    while (reading.end < longestWindow) {
+        reading.end += window;
         const std::size_t had = text.size();
-        if (const auto done = extend(file, size, text); !done) {
+        if (const auto done = extend(file, reading.end, text); !done) {
             return tl::unexpected(done.error());
         }
-        if (text.size() < size || text.find('\n', had) != std::string::npos) break;
+        if (text.size() < reading.end || text.find('\n', had) != std::string::npos) break;
     }
-    return parse(text);
+    reading.head = parse(text);
+    return reading;
 }
 
 std::optional<RolloutHead> RolloutHead::parse(std::string_view padded) {

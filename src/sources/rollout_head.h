@@ -32,13 +32,21 @@ struct RolloutHead {
     /// How much is read of a file whose meta line ends beyond the window.
     static constexpr std::size_t longestWindow = 1 << 20;
 
-    /// Reads the head of a file. Nothing where it holds no meta line, or none that ends within
-    /// the longest window.
-    static tl::expected<std::optional<RolloutHead>, FileError> read(const RegularFile& file);
+    struct Reading;
+
+    /// Reads the head of a file.
+    static tl::expected<Reading, FileError> read(const RegularFile& file);
 
     /// The head in the text of a file's beginning, which jsonPadding readable bytes must follow.
     /// The first meta line counts: a copied history brings further ones.
     static std::optional<RolloutHead> parse(std::string_view padded);
+};
+
+struct RolloutHead::Reading {
+    /// Nothing where the file holds no meta line, or none that ends within the longest window.
+    std::optional<RolloutHead> head;
+    /// Offset of the first byte that is not looked at, however long the file grows.
+    std::uint64_t end = 0;
 };
 
 }  // namespace fleetwise

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "foundation/json_reader.h"
+#include "foundation/text.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,10 +26,8 @@ inline bool isConversation(std::string_view line) {
 /// also for a last one without a newline. jsonPadding readable bytes follow `text`.
 template <typename Visit>
 void forEachRolloutLine(JsonReader& json, std::string_view text, Visit&& visit) {
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(line.size() + 1, text.size()));
-        if (isConversation(line)) continue;
+    forEachLine(text, [&](std::string_view line) {
+        if (isConversation(line)) return;
         json.readObject(line, [&](JsonObject& object) {
             const auto type = memberIfPresent<std::string_view>(object, "type");
             const auto timestamp = memberIfPresent<std::string_view>(object, "timestamp");
@@ -40,7 +38,7 @@ void forEachRolloutLine(JsonReader& json, std::string_view text, Visit&& visit) 
                              .payload = *payload};
             visit(read);
         });
-    }
+    });
 }
 
 /// The text member `key`; nothing where it is empty.

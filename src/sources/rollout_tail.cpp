@@ -38,8 +38,17 @@ void readTokenCount(JsonObject& payload, RolloutTail& tail) {
     if (const auto window = contextWindowIn(*info)) tail.contextWindow = window;
 }
 
-void readTaskEvent(std::string_view type, SessionState state, std::optional<Date> at,
-                   JsonObject& payload, RolloutTail& tail) {
+/// Today's agents give an object, or null where the turn went well.
+void readError(JsonObject& payload, RolloutTail& tail) {
+    auto error = readMember<JsonObject>(payload, "error");
+    const bool isAbsent = error && !*error;
+    if (isAbsent) return;
+    tail.state = SessionState::failed;
+    tail.failure = error ? textMember(**error, "message") : textMember(payload, "error");
+}
+
+void readTaskEvent(SessionState state, std::optional<Date> at, JsonObject& payload,
+                   RolloutTail& tail) {
     tail.state = state;
     tail.stateSince = at;
     tail.failure.reset();
@@ -49,12 +58,9 @@ void readTaskEvent(std::string_view type, SessionState state, std::optional<Date
         if (const auto window = contextWindowIn(payload)) tail.contextWindow = window;
     } else if (state == SessionState::failed) {
         tail.failure = textMember(payload, "message");
-    } else if (type == "task_complete") {
+    } else if (state == SessionState::done) {
         if (auto reply = textMember(payload, "last_agent_message")) tail.lastReply = reply;
-        if (auto error = memberIfPresent<JsonObject>(payload, "error")) {
-            tail.state = SessionState::failed;
-            tail.failure = textMember(*error, "message");
-        }
+        readError(payload, tail);
     }
 }
 
@@ -68,7 +74,7 @@ void readEvent(const RolloutLine& line, RolloutTail& tail) {
     } else if (*type == "item_completed") {
         replace(tail.activity, RolloutItem::read(line.payload).activity);
     } else if (const auto state = CodexStore::state(*type)) {
-        readTaskEvent(*type, *state, at, line.payload, tail);
+        readTaskEvent(*state, at, line.payload, tail);
     }
 }
 

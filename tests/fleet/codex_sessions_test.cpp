@@ -105,12 +105,25 @@ TEST(CodexSessions, followTheHookWhereItSpokeLast) {
         {"asks for a permission", "waiting", 10, SessionState::waiting},
         {"asked before the turn began", "waiting", 60, SessionState::working},
         {"ended once, resumed", "dormant", 10, SessionState::working},
+        {"subagents begun before the turn", "working", 60, SessionState::working},
+        {"subagents at work", "done", 10, SessionState::waitingForSubagents},
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
         FleetHome fleet;
-        fleet.writesRollout("c", 30, started);
-        fleet.records("c", row.recorded, row.age, {{"agent", "codex"}, {"message", "May I?"}});
-        EXPECT_EQ(only(fleet.collect(), "c").state, row.expected) << row.name;
+        fleet.writesRollout("c", 30, started, {{"cwd", nullptr}});
+        fleet.records("c", row.recorded, row.age,
+                      {{"agent", "codex"},
+                       {"message", "May I?"},
+                       {"tool", "shell"},
+                       {"cwd", "/srv/demo"},
+                       {"subagents", row.expected == SessionState::waiting ? 0 : 1}});
+        const Session session = only(fleet.collect(), "c");
+        EXPECT_EQ(session.state, row.expected);
+        const bool isTheHooks = row.age < 30 && row.recorded != std::string("dormant");
+        EXPECT_EQ(session.lastTool.has_value(), isTheHooks);
+        EXPECT_EQ(session.lastMessage.has_value(), isTheHooks);
+        EXPECT_EQ(session.cwd, "/srv/demo") << "which the rollout does not tell";
     }
 }
 
@@ -156,6 +169,60 @@ TEST(CodexSessions, giveEachProcessOneSessionOfItsFolder) {
     EXPECT_EQ(only(collection, "second").pid, 8);
     EXPECT_FALSE(only(collection, "third").isLive);
     EXPECT_FALSE(only(collection, "elsewhere").isLive);
+}
+
+TEST(CodexSessions, pairProcessesAndSessionsOfAFolderByTheirStart) {
+    FleetHome fleet;
+    // One process after the other begins a session; none holds its rollout open.
+    for (const auto& [id, pid, age] : {std::tuple("first", 7, 300.0), {"second", 8, 200.0}}) {
+        fleet.writesRollout(id, age == 300 ? 100 : 150, answered,
+                            {{"timestamp", internetDate(fleet.now - Seconds(age - 5))},
+                             {"cwd", fleet.project + "/"}});
+        fleet.processes.processes[pid] = codex(fleet, age);
+        fleet.processes.processes[pid].cwd = fleet.project;
+    }
+    const auto collection = fleet.collect();
+    EXPECT_EQ(only(collection, "first").pid, 7);
+    EXPECT_EQ(only(collection, "second").pid, 8);
+}
+
+TEST(CodexSessions, stayLiveWhileTheHookTellsOfLife) {
+    const struct {
+        const char* name;
+        const char* id;  ///< of the record
+        const char* recorded;
+        double age;
+        SessionState expected;
+    } rows[] = {
+        {"asks since an hour", "c", "waiting", 3600, SessionState::waiting},
+        {"asked yesterday", "c", "decision", 86'400, SessionState::dormant},
+        {"works", "c", "working", 300, SessionState::working},
+        {"worked", "c", "working", 301, SessionState::dormant},
+        {"answered", "c", "done", 10, SessionState::dormant},
+        {"its fork asks", "fork", "waiting", 3600, SessionState::waiting},
+        {"its subagent asks", "helper", "waiting", 3600, SessionState::waiting},
+        {"its subagent went on", "helper", "waiting", 7201, SessionState::dormant},
+        {"its subagent works", "helper", "working", 10, SessionState::dormant},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        FleetHome fleet;
+        fleet.input.dormantMaxAge = {};
+        fleet.writesRollout("c", 100'000, aborted);
+        fleet.writesRollout("fork", 90'000, aborted, {{"forked_from_id", "c"}});
+        fleet.writesRollout("helper", 7200, started, {{"parent_thread_id", "fork"}});
+        fleet.records(row.id, row.recorded, row.age, {{"agent", "codex"}, {"message", "May I?"}});
+        const auto collection = fleet.collect();
+        EXPECT_THAT(ids(collection), ElementsAre("c"));
+        const Session session = only(collection, "c");
+        EXPECT_EQ(session.state, row.expected);
+        EXPECT_EQ(session.isLive, row.expected != SessionState::dormant);
+    }
+    FleetHome fleet;
+    fleet.input.dormantMaxAge = Seconds(0);
+    fleet.writesRollout("c", 4000, started);
+    fleet.records("c", "waiting", 3600, {{"agent", "codex"}});
+    EXPECT_EQ(only(fleet.collect(), "c").state, SessionState::waiting) << "no ended one is listed";
 }
 
 TEST(CodexSessions, areListedByAgeLikeAnyOther) {

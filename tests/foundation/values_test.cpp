@@ -5,6 +5,7 @@
 #include "foundation/serial_queue.h"
 #include "foundation/text.h"
 #include "foundation/user_defaults.h"
+#include "support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,8 @@
 
 namespace fleetwise {
 namespace {
+
+using testing::padded;
 
 TEST(Date, readsInternetDates) {
     const struct {
@@ -101,11 +104,6 @@ TEST(Json, keepsUnknownMembersAndReadsTypedOnes) {
     EXPECT_FALSE(parseJson("{\"a\":"));
     EXPECT_FALSE(parseJson(std::string(100'000, '[')));
     EXPECT_EQ(encodeJson(Json{{"bad", "\xff"}}), "{\"bad\":\"\xEF\xBF\xBD\"}");
-}
-
-std::string padded(std::string text) {
-    text.reserve(text.size() + jsonPadding);
-    return text;
 }
 
 TEST(JsonReader, acceptsOneWholeObjectOnly) {

@@ -1,7 +1,6 @@
 #include "hook_program.h"
 
 #include "foundation/file_descriptor.h"
-#include "foundation/json_reader.h"
 
 #include <gtest/gtest.h>
 #include <spawn.h>
@@ -58,9 +57,7 @@ int HookProgram::run(const std::string& event, const std::string& payload) const
 std::optional<StatusStore::Record> HookProgram::record(const std::string& sessionId) const {
     const std::string path = home.at(".claude/fleetwise/status/" + sessionId + ".json");
     if (!std::filesystem::exists(path)) return {};
-    std::string text = contentsOf(path);
-    text.reserve(text.size() + jsonPadding);
-    return StatusStore::decode(text);
+    return StatusStore::decode(padded(contentsOf(path)));
 }
 
 std::vector<std::string> HookProgram::names(const std::string& folder) const {

@@ -34,9 +34,10 @@ TEST(CodexProcesses, areKnownByTheirProgram) {
     }
 }
 
-TEST(CodexProcesses, comeWithTheirFolderAndOpenRollouts) {
+TEST(CodexProcesses, comeWithTheirOrTheirParentsFolderAndOpenRollouts) {
     FakeProcessTable machine;
-    machine.processes[99].executable = "/usr/bin/codex";
+    machine.processes[98].cwd = "/work/shell";
+    machine.processes[99] = {.parent = 98, .executable = "/usr/bin/codex"};
     machine.processes[7] = {
         .executable = "/usr/bin/codex",
         .startedAt = noon - Seconds(60),
@@ -49,7 +50,7 @@ TEST(CodexProcesses, comeWithTheirFolderAndOpenRollouts) {
                                          .startedAt = noon - Seconds(60),
                                          .cwd = "/work/shop",
                                          .openRollouts = {"rollout-a.jsonl", "rollout-b.jsonl"}},
-                            CodexProcess{.pid = 99}));
+                            CodexProcess{.pid = 99, .cwd = "/work/shell"}));
 }
 
 TEST(CodexProcesses, areLookedForOnceASecond) {

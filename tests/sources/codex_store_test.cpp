@@ -1,6 +1,6 @@
 #include "sources/codex_store.h"
 
-#include "foundation/json_reader.h"
+#include "sources/codex_rollout.h"
 #include "support/temporary_directory.h"
 
 #include <gmock/gmock.h>
@@ -50,8 +50,8 @@ TEST(CodexStore, takesTheIdFromAName) {
 }
 
 TEST(CodexStore, believesTheLastNameOfAThread) {
-    std::string text = contentsOf(dataPath("rollouts/session_index.jsonl")) +
-                       R"({"id":"a","thread_name":"first"}
+    const std::string text = contentsOf(dataPath("rollouts/session_index.jsonl")) +
+                             R"({"id":"a","thread_name":"first"}
 {"id":"a","thread_name":" last ","updated_at":"2026-11-21T02:10:56Z"}
 {"id":"a","thread_name":"  "}
 {"id":"a","thread_name":null}
@@ -62,10 +62,9 @@ TEST(CodexStore, believesTheLastNameOfAThread) {
 {"id":7,"thread_name":"d"}
 {"thread_name":"e","id":"e"}
 {"id":"f","thread_name":"unfinished)";
-    text.reserve(text.size() + jsonPadding);
     const CodexStore::ThreadNames expected{
         {"01a1fbde-c245-7133-8a95-e829554bbe9a", "Codex lab name"}, {"a", "last"}, {"e", "e"}};
-    EXPECT_EQ(CodexStore::threadNames(text), expected);
+    EXPECT_EQ(CodexStore::threadNames(padded(text)), expected);
 }
 
 TEST(CodexStore, tellsWhereASessionRuns) {

@@ -1,6 +1,5 @@
 #include "sources/desktop_metadata_store.h"
 
-#include "foundation/json_reader.h"
 #include "foundation/regular_file.h"
 #include "support/temporary_directory.h"
 
@@ -12,40 +11,32 @@
 namespace fleetwise::testing {
 namespace {
 
-std::optional<DesktopMetadata> decoded(std::string text) {
-    text.reserve(text.size() + jsonPadding);
-    return DesktopMetadataStore::decode(text);
-}
-
-TEST(DesktopMetadata, holdsWhatTheAppWrote) {
-    DesktopMetadata expected;
-    expected.cliSessionId = "s";
-    expected.title = "Umbau";
-    expected.cwd = "/srv/demo";
-    expected.model = "claude-opus-5-5";
-    expected.effort = "high";
-    expected.permissionMode = "plan";
-    expected.lastActivityAt = dateFromSeconds(1'795'226'672.5);
-    expected.isArchived = true;
-    expected.error = "rate_limit";
-    expected.errorAt = dateFromSeconds(1'795'226'670);
-    EXPECT_EQ(decoded(R"({"sessionId":"local_1","cliSessionId":"s","title":"Umbau",
-        "cwd":"/srv/demo","model":"claude-opus-5-5","effort":"high","permissionMode":"plan",
-        "lastActivityAt":1795226672500,"isArchived":true,"error":"rate_limit",
-        "errorAt":1795226670,"mcp":[{"title":7}]})"),
-              expected);
-}
-
 TEST(DesktopMetadata, isSpoiledByAKnownKeyOfAWrongTypeOnly) {
-    const auto blank = decoded(
-        R"({"cliSessionId":" ","title":"\t","error":null,"isArchived":null,"titles":1,"errorAt":-1})");
-    DesktopMetadata expected;
-    expected.errorAt = dateFromSeconds(-1);
-    EXPECT_EQ(blank, expected);
+    const std::pair<std::string, DesktopMetadata> rows[] = {
+        {R"({"sessionId":"local_1","cliSessionId":"s","title":"Umbau","cwd":"/srv/demo",
+             "model":"claude-opus-5-5","effort":"high","permissionMode":"plan",
+             "lastActivityAt":1795226672500,"isArchived":true,"error":"rate_limit",
+             "errorAt":1795226670,"mcp":[{"title":7}]})",
+         {.cliSessionId = "s",
+          .title = "Umbau",
+          .cwd = "/srv/demo",
+          .model = "claude-opus-5-5",
+          .effort = "high",
+          .permissionMode = "plan",
+          .lastActivityAt = dateFromSeconds(1'795'226'672.5),
+          .isArchived = true,
+          .error = "rate_limit",
+          .errorAt = dateFromSeconds(1'795'226'670)}},
+        {R"({"cliSessionId":" ","title":"\t","error":null,"isArchived":null,"errorAt":-1})",
+         {.errorAt = dateFromSeconds(-1)}},
+    };
+    for (const auto& [text, expected] : rows)
+        EXPECT_EQ(DesktopMetadataStore::decode(padded(text)), expected) << text;
     for (const std::string member :
          {R"("model":5)", R"("error":{"code":1})", R"("isArchived":1)", R"("errorAt":"now")",
           R"("errorAt":1e999)", R"("title":"Um)", R"("title":"a"},{)", "\"title\":\"\xff\""}) {
-        EXPECT_EQ(decoded(R"({"cliSessionId":"s",)" + member + "}"), std::nullopt) << member;
+        const std::string text = R"({"cliSessionId":"s",)" + member + "}";
+        EXPECT_EQ(DesktopMetadataStore::decode(padded(text)), std::nullopt) << member;
     }
 }
 

@@ -113,5 +113,30 @@ TEST(ProcessTable, findsAProgramByItsFileWithWhatItHasOpenUntilItIsReaped) {
     EXPECT_THAT(table.openFiles(child), IsEmpty());
 }
 
+TEST(ProcessTable, findsAProgramThatHidesItsFileByItsName) {
+    const ProcessTable& table = ProcessTable::system();
+    std::array<int, 2> ready{};
+    ASSERT_EQ(::pipe2(ready.data(), O_CLOEXEC), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::prctl(PR_SET_NAME, "fleetwise-sleeper");
+        ::prctl(PR_SET_DUMPABLE, 0);
+        (void)!::write(ready[1], "!", 1);
+        ::alarm(60);
+        ::pause();
+        ::_exit(0);
+    }
+    char told = 0;
+    EXPECT_EQ(::read(ready[0], &told, 1), 1);
+    // A user who may trace every process still sees its file, which is that of this test.
+    if (!table.executable(child)) {
+        EXPECT_THAT(table.processesOf(programNames), Contains(child));
+    }
+    ::kill(child, SIGKILL);
+    EXPECT_EQ(::waitpid(child, nullptr, 0), child);
+    ::close(ready[0]);
+    ::close(ready[1]);
+}
+
 }  // namespace
 }  // namespace fleetwise::testing

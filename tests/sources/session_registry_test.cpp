@@ -1,8 +1,8 @@
 #include "sources/session_registry.h"
 
 #include "foundation/json.h"
-#include "foundation/json_reader.h"
 #include "foundation/regular_file.h"
+#include "support/fake_process_table.h"
 #include "support/temporary_directory.h"
 
 #include <gmock/gmock.h>
@@ -19,7 +19,7 @@ using ::testing::IsEmpty;
 using Entry = SessionRegistry::Entry;
 
 /// The processes it was told of, by their start.
-class FakeProcesses final : public ProcessTable {
+class FakeProcesses final : public FakeProcessTable {
 public:
     /// A process whose start cannot be read has none.
     std::map<std::int32_t, std::optional<std::uint64_t>> running;
@@ -32,19 +32,10 @@ public:
         if (found == running.end() || !found->second) return {};
         return Process{.parent = 1, .start = *found->second};
     }
-    std::optional<std::string> executable(std::int32_t) const override { return {}; }
-    std::optional<std::string> applicationScope(std::int32_t) const override { return {}; }
-    std::vector<std::int32_t> processesOf(std::span<const std::string_view>) const override {
-        return {};
-    }
-    std::optional<Date> startedAt(std::int32_t) const override { return {}; }
-    std::optional<std::string> workingDirectory(std::int32_t) const override { return {}; }
-    std::vector<std::string> openFiles(std::int32_t) const override { return {}; }
 };
 
-std::optional<Entry> decoded(std::string text) {
-    text.reserve(text.size() + jsonPadding);
-    return SessionRegistry::decode(text);
+std::optional<Entry> decoded(const std::string& text) {
+    return SessionRegistry::decode(padded(text));
 }
 
 std::vector<std::string> liveSessions(const std::string& folder, const ProcessTable& processes) {

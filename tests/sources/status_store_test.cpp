@@ -1,6 +1,5 @@
 #include "sources/status_store.h"
 
-#include "foundation/json_reader.h"
 #include "foundation/regular_file.h"
 #include "support/temporary_directory.h"
 
@@ -21,9 +20,8 @@ using Watch = StatusStore::Watch;
 
 const Date now = dateFromSeconds(1'795'226'675);
 
-std::optional<Record> decoded(std::string text) {
-    text.reserve(text.size() + jsonPadding);
-    return StatusStore::decode(text);
+std::optional<Record> decoded(const std::string& text) {
+    return StatusStore::decode(padded(text));
 }
 
 /// A status file with the given further members, such as R"("subagents":2)".

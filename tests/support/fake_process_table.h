@@ -18,7 +18,7 @@ struct FakeProcess {
 };
 
 /// A machine with exactly the processes that a test puts into it.
-class FakeProcessTable final : public ProcessTable {
+class FakeProcessTable : public ProcessTable {
 public:
     std::map<std::int32_t, FakeProcess> processes;  ///< by id
 

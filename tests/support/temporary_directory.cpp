@@ -1,6 +1,7 @@
 #include "support/temporary_directory.h"
 
 #include "foundation/directory.h"
+#include "foundation/json_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -92,6 +93,11 @@ std::string contentsOf(const std::string& path) {
     std::ostringstream contents;
     contents << stream.rdbuf();
     return contents.str();
+}
+
+std::string padded(std::string text) {
+    text.reserve(text.size() + jsonPadding);
+    return text;
 }
 
 }  // namespace fleetwise::testing

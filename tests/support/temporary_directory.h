@@ -46,4 +46,7 @@ std::string sourceDirectory();
 /// The whole file; fails the test where it cannot be read.
 std::string contentsOf(const std::string& path);
 
+/// The text with the readable bytes behind it that the JSON reader needs.
+std::string padded(std::string text);
+
 }  // namespace fleetwise::testing

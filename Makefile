@@ -10,7 +10,8 @@ built := $(presets:%=build-%)
 .NOTPARALLEL:
 
 # Without a display the program prints its report.
-run: build-release
+run: configure-release
+	cmake --build --preset release --target fleetwise fleetwise-hook
 	build/release/bin/fleetwise $(if $(DISPLAY)$(WAYLAND_DISPLAY),,--dump)
 
 # The application on a fleet of its own making, in a home folder of its own.

@@ -20,7 +20,7 @@ std::string inState(std::string_view path) {
     return joinPath(Paths::stateDir(), path);
 }
 
-/// $XDG_CONFIG_HOME, as the XDG base directory specification has it: relative paths do not count.
+/// The desktop's folder for settings, $XDG_CONFIG_HOME; a relative path in it does not count.
 std::string configDir() {
     const char* environment = std::getenv("XDG_CONFIG_HOME");
     return environment != nullptr && *environment == '/' ? environment : inHome(".config");

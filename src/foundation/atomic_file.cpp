@@ -1,5 +1,6 @@
 #include "foundation/atomic_file.h"
 
+#include "foundation/directory.h"
 #include "foundation/file_descriptor.h"
 
 #include <fcntl.h>
@@ -35,7 +36,7 @@ std::string parentOf(const std::string& path) {
 /// Removes the temporary file unless it has reached its place.
 class TemporaryFile {
 public:
-    explicit TemporaryFile(const std::string& target) : path(target + ".XXXXXX") {
+    explicit TemporaryFile(const std::string& target) : path(target + std::string(ending)) {
         descriptor = FileDescriptor(::mkostemp(path.data(), O_CLOEXEC));
     }
     TemporaryFile(const TemporaryFile&) = delete;
@@ -43,6 +44,9 @@ public:
     ~TemporaryFile() {
         if (descriptor && !isInPlace) ::unlink(path.c_str());
     }
+
+    /// Of its name, with random letters in place of the X.
+    static constexpr std::string_view ending = ".XXXXXX";
 
     std::string path;
     FileDescriptor descriptor;
@@ -63,6 +67,18 @@ tl::expected<void, std::error_code> writeFileAtomically(const std::string& path,
     const FileDescriptor folder(::open(parentOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder && ::fsync(folder.get()) != 0) return lastError();
     return {};
+}
+
+void removeAbandonedFiles(const std::string& path, Date before) {
+    const std::string folder = parentOf(path);
+    const std::string prefix = path.substr(path.find_last_of('/') + 1) + ".";
+    for (const DirectoryEntry& entry : listDirectory(folder)) {
+        const bool isOurs = entry.kind == FileKind::regular && entry.name.starts_with(prefix) &&
+                            entry.name.size() == prefix.size() + TemporaryFile::ending.size() - 1;
+        if (isOurs && modificationDate(entry.stamp) < before) {
+            ::unlink(joinPath(folder, entry.name).c_str());
+        }
+    }
 }
 
 tl::expected<void, std::error_code> makePrivateDirectory(const std::string& path) {

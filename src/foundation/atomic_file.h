@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/date.h"
+
 #include <tl/expected.hpp>
 
 #include <string>
@@ -14,6 +16,10 @@ namespace fleetwise {
 tl::expected<void, std::error_code> writeFileAtomically(const std::string& path,
                                                         std::string_view contents,
                                                         unsigned mode = 0600);
+
+/// Removes the temporary files that killed writers of `path` have left behind, as far as they were
+/// last written before `before`: a younger one may belong to a writer at work.
+void removeAbandonedFiles(const std::string& path, Date before);
 
 /// Creates the folder and its missing parents with mode 0700; an existing folder is left as it is.
 tl::expected<void, std::error_code> makePrivateDirectory(const std::string& path);

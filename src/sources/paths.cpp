@@ -60,6 +60,12 @@ std::string Paths::stallsFile() {
 std::string Paths::attentionLogFile() {
     return inState("attention-log.json");
 }
+std::string Paths::pricesFile() {
+    return inState("prices.json");
+}
+std::string Paths::costIndexFile() {
+    return inState("cost-index.json");
+}
 std::string Paths::settingsFile() {
     return inHome(".claude/settings.json");
 }

@@ -25,6 +25,8 @@ public:
     static std::string hostsFile();            ///< the host applications remembered
     static std::string stallsFile();           ///< the recorded stalls of the main thread
     static std::string attentionLogFile();     ///< how long sessions waited for the user
+    static std::string pricesFile();           ///< the prices that were last fetched
+    static std::string costIndexFile();        ///< what was read about cost, to be read only once
     static std::string settingsFile();         ///< Claude Code's user settings
     static std::string sessionsDir();          ///< Claude Code's registry of running sessions
     static std::string projectsDir();          ///< Claude Code's transcripts

@@ -1,6 +1,7 @@
 #include "cost/transcript_record.h"
 
 #include "cost/prompt_text.h"
+#include "cost/record_walk.h"
 #include "foundation/text.h"
 
 #include <utility>
@@ -9,47 +10,8 @@ namespace fleetwise {
 
 namespace {
 
-using Key = simdjson::ondemand::raw_json_string;
+using Key = JsonKey;
 using Type = TranscriptRecord::Type;
-
-/// Calls `visit(key, value)` for the members in their order: one walk, whatever that order is.
-/// False where the object is broken or `visit` says so.
-template <typename Visit>
-bool forEachMember(JsonObject object, Visit&& visit) {
-    for (auto next : object) {
-        simdjson::ondemand::field member;
-        if (std::move(next).get(member)) return false;
-        if (!visit(member.key(), member.value())) return false;
-    }
-    return true;
-}
-
-/// As forEachMember for a value that may be no object, which is passed over; where it is one,
-/// `into` becomes a new T before the walk.
-template <typename T, typename Visit>
-bool readObject(JsonValue value, std::optional<T>& into, Visit&& visit) {
-    const auto object = readValue<JsonObject>(value);
-    if (!object) return object.error() == JsonFault::wrongType;
-    if (!object->has_value()) return true;
-    into.emplace();
-    return forEachMember(**object,
-                         [&](Key key, JsonValue member) { return visit(key, member, *into); });
-}
-
-// A broken scalar, such as a text with an unknown escape, does not disturb the walk: it counts as
-// absent and the record is kept.
-template <typename T>
-std::optional<T> scalar(JsonValue value) {
-    return readValue<T>(value).value_or(std::nullopt);
-}
-
-std::optional<std::string_view> text(JsonValue value) {
-    return scalar<std::string_view>(value);
-}
-
-std::int64_t tokens(JsonValue value) {
-    return scalar<std::int64_t>(value).value_or(0);
-}
 
 Type typeNamed(std::string_view name) {
     if (name == "assistant") return Type::assistant;
@@ -59,23 +21,21 @@ Type typeNamed(std::string_view name) {
 }
 
 bool readOutputDetails(JsonValue value, TranscriptUsage& usage) {
-    struct Details {};
-    std::optional<Details> details;
-    return readObject(value, details, [&](Key key, JsonValue member, Details&) {
-        if (key == "thinking_tokens") usage.thinkingTokens = tokens(member);
+    return walkObjectValue(value, [&](Key key, JsonValue member) {
+        if (key == "thinking_tokens") usage.thinkingTokens = tokenCount(member);
         return true;
     });
 }
 
 bool readUsageMember(Key key, JsonValue value, TranscriptUsage& usage) {
     if (key == "input_tokens") {
-        usage.inputTokens = tokens(value);
+        usage.inputTokens = tokenCount(value);
     } else if (key == "output_tokens") {
-        usage.outputTokens = tokens(value);
+        usage.outputTokens = tokenCount(value);
     } else if (key == "cache_read_input_tokens") {
-        usage.cacheReadTokens = tokens(value);
+        usage.cacheReadTokens = tokenCount(value);
     } else if (key == "cache_creation_input_tokens") {
-        usage.cacheCreationTokens = tokens(value);
+        usage.cacheCreationTokens = tokenCount(value);
     } else if (key == "output_tokens_details") {
         return readOutputDetails(value, usage);
     }
@@ -90,16 +50,16 @@ struct ContentItem {
 bool readItemMember(Key key, JsonValue value, ContentItem& item) {
     // Only prose is unescaped: a tool's result, which may be huge, is called "content".
     if (key == "type") {
-        item.type = text(value);
+        item.type = textValue(value);
     } else if (key == "text") {
-        item.text = text(value);
+        item.text = textValue(value);
     }
     return true;
 }
 
 bool readContentItem(JsonValue value, TranscriptMessage& message) {
     std::optional<ContentItem> item;
-    if (!readObject(value, item, readItemMember)) return false;
+    if (!walkInto(value, item, readItemMember)) return false;
     if (!item) return true;
     if (item->type == "tool_use") ++message.toolCalls;
     if (item->type == "text" && item->text) message.texts.push_back(*item->text);
@@ -110,7 +70,7 @@ bool readContent(JsonValue value, TranscriptMessage& message) {
     simdjson::ondemand::json_type type{};
     if (value.type().get(type)) return false;
     if (type == simdjson::ondemand::json_type::string) {
-        if (const auto prose = text(value)) message.texts.push_back(*prose);
+        if (const auto prose = textValue(value)) message.texts.push_back(*prose);
     }
     if (type != simdjson::ondemand::json_type::array) return true;
     JsonArray items;
@@ -124,14 +84,14 @@ bool readContent(JsonValue value, TranscriptMessage& message) {
 
 bool readMessageMember(Key key, JsonValue value, TranscriptMessage& message) {
     if (key == "content") return readContent(value, message);
-    if (key == "usage") return readObject(value, message.usage, readUsageMember);
-    if (key == "model") message.model = text(value);
+    if (key == "usage") return walkInto(value, message.usage, readUsageMember);
+    if (key == "model") message.model = textValue(value);
     return true;
 }
 
 bool readOriginMember(Key key, JsonValue value, TranscriptOrigin& origin) {
     if (key == "kind") {
-        if (const auto kind = text(value)) origin.kind = kind;
+        if (const auto kind = textValue(value)) origin.kind = kind;
     } else if (key == "body") {
         if (!origin.kind) origin.kind = "peer";
     }
@@ -158,14 +118,14 @@ bool* flagMember(Key key, TranscriptRecord& record) {
 }
 
 bool readMember(Key key, JsonValue value, TranscriptRecord& record) {
-    if (key == "message") return readObject(value, record.message, readMessageMember);
-    if (key == "origin") return readObject(value, record.origin, readOriginMember);
+    if (key == "message") return walkInto(value, record.message, readMessageMember);
+    if (key == "origin") return walkInto(value, record.origin, readOriginMember);
     if (key == "type") {
-        record.type = typeNamed(text(value).value_or(""));
+        record.type = typeNamed(textValue(value).value_or(""));
     } else if (auto* const member = textMember(key, record)) {
-        *member = text(value);
+        *member = textValue(value);
     } else if (auto* const flag = flagMember(key, record)) {
-        *flag = scalar<bool>(value).value_or(false);
+        *flag = scalarValue<bool>(value).value_or(false);
     }
     return true;
 }

@@ -4,6 +4,11 @@
 // {"firstMs":…,"warmMs":… (median),"phases":{"name":ms,…} (of the median pass),"sessions":…,
 //  "peakMiB":…}
 //
+// fleetwise-bench cost HOME [--threads N]: scans the costs of all sessions in HOME with an empty
+// cache, then again; see cost_bench.h. One JSON object on one line:
+// {"coldMs":…,"warmMs":…,"files":…,"bytes":… (read in the first scan),"peakMiB":…,"sessions":…,
+//  "input":…,"output":…,"cacheRead":…,"cacheWrite":…,"requests":…,"codex":{"sessions":…,…}}
+//
 // fleetwise-bench hook PROGRAM [N]: times the hook program against /bin/true and others, N times
 // each (100 unless given); see hook_bench.h.
 //
@@ -11,6 +16,8 @@
 // program to the list that shows them; see live_bench.h.
 
 #include "app/machine_sources.h"
+#include "bench_support.h"
+#include "cost_bench.h"
 #include "foundation/user_defaults.h"
 #include "hook_bench.h"
 #include "live_bench.h"
@@ -18,8 +25,6 @@
 #include "sources/paths.h"
 
 #include <nlohmann/json.hpp>
-
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <chrono>
@@ -49,21 +54,6 @@ Measurement measuredPass(const FleetSnapshot::Input& input, const FleetSnapshot:
     return {.milliseconds = taken.count(),
             .phases = shared.timings,
             .sessions = collection.sessions.size()};
-}
-
-/// The largest resident size of this process so far.
-double peakMebibytes() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-#ifdef __APPLE__
-    return static_cast<double>(usage.ru_maxrss) / (1 << 20);
-#else
-    return static_cast<double>(usage.ru_maxrss) / (1 << 10);
-#endif
-}
-
-double rounded(double value) {
-    return std::round(value * 1000) / 1000;
 }
 
 int benchPass(const std::string& home, int repetitions) {
@@ -99,6 +89,7 @@ int benchPass(const std::string& home, int repetitions) {
 int usage() {
     std::fputs(
         "usage: fleetwise-bench pass HOME [N]\n"
+        "       fleetwise-bench cost HOME [--threads N]\n"
         "       fleetwise-bench hook PROGRAM [N]\n"
         "       fleetwise-bench live HOME PROGRAM [N]\n",
         stderr);
@@ -124,6 +115,15 @@ int runPass(const std::vector<std::string>& given) {
     if (passes < 1) return usage();
     const std::string home = absolute(given[1]);
     return std::filesystem::is_directory(home) ? benchPass(home, passes) : missing(home, "folder");
+}
+
+int runCost(const std::vector<std::string>& given) {
+    const bool hasThreads = given.size() == 4 && given[2] == "--threads";
+    const int threads = hasThreads ? std::atoi(given[3].c_str()) : 0;
+    if (given.size() != (hasThreads ? 4 : 2) || threads < (hasThreads ? 1 : 0)) return usage();
+    const std::string home = absolute(given[1]);
+    return std::filesystem::is_directory(home) ? benchCost(home, static_cast<unsigned>(threads))
+                                               : missing(home, "folder");
 }
 
 int runHook(const std::vector<std::string>& given) {
@@ -152,6 +152,7 @@ int main(int argumentCount, char** arguments) {
     const std::vector<std::string> given(arguments + 1, arguments + argumentCount);
     if (given.size() < 2) return usage();
     if (given[0] == "pass") return runPass(given);
+    if (given[0] == "cost") return runCost(given);
     if (given[0] == "hook") return runHook(given);
     return given[0] == "live" ? runLive(given) : usage();
 }

@@ -29,9 +29,9 @@ std::vector<std::size_t> largestFirst(const std::vector<CostTask>& tasks) {
 }  // namespace
 
 /// False where the file could not be read to its end.
-template <typename Visit>
-bool CostReader::readFile(const FoundFile& file, LineMarks marks, CostReading& reading,
-                          Visit&& visit) {
+template <std::size_t Count, typename Visit>
+bool CostReader::readFile(const FoundFile& file, const LineMarks<Count>& marks,
+                          CostReading& reading, Visit&& visit) {
     const auto opened = RegularFile::open(file.path);
     if (!opened) {
         reading.skipped.count(opened.error());

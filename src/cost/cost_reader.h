@@ -51,8 +51,9 @@ public:
     std::optional<CostReading> read(const CostTask& task, std::size_t limit = allRequests);
 
 private:
-    template <typename Visit>
-    bool readFile(const FoundFile& file, LineMarks marks, CostReading& reading, Visit&& visit);
+    template <std::size_t Count, typename Visit>
+    bool readFile(const FoundFile& file, const LineMarks<Count>& marks, CostReading& reading,
+                  Visit&& visit);
     std::optional<CostReading> readClaude(const CostTask& task, std::size_t limit);
     std::optional<CostReading> readCodex(const CostTask& task, std::size_t limit);
 

@@ -1,31 +1,16 @@
 #pragma once
 
+#include "cost/mark_search.h"
 #include "foundation/json_reader.h"
 #include "foundation/regular_file.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <span>
 #include <string_view>
 #include <vector>
 
 namespace fleetwise {
-
-/// A byte string that lines of interest hold. It begins with a quotation mark.
-struct LineMark {
-    std::string_view text;
-    std::size_t probe = 0;  ///< where in it a byte stands that is rare in JSON: "_" or "-"
-
-    consteval explicit LineMark(std::string_view mark)
-        : text(mark), probe(mark.find_first_of("_-")) {}
-};
-
-using LineMarks = std::span<const LineMark>;
-
-/// The first place in `text` at or behind `from` where one of the marks begins; npos where none
-/// does.
-std::size_t findMark(std::string_view text, LineMarks marks, std::size_t from);
 
 /// Finds the few lines of large files that hold one of several byte strings. Every byte is looked
 /// at once, whatever the number of lines. One object serves one thread and one file after another.
@@ -44,10 +29,11 @@ public:
     /// followed by jsonPadding readable bytes, valid during the call. `visit` says whether to go
     /// on. `progress(bytes)` is told of each block and says so, too. A source that ends early ends
     /// the search.
-    template <typename Source, typename Visit, typename Progress>
+    template <typename Source, std::size_t Count, typename Visit, typename Progress>
     tl::expected<Going, FileError> forEachMarkedLine(const Source& source, std::uint64_t size,
-                                                     LineMarks marks, Visit&& visit,
+                                                     const LineMarks<Count>& marks, Visit&& visit,
                                                      Progress&& progress) {
+        const MarkSearch<Count> search(marks);
         std::uint64_t read = 0;
         std::size_t kept = 0;  // bytes of the unfinished line at the front of the buffer
         bool skipsLine = false;
@@ -62,7 +48,7 @@ public:
             if (progress(*got) == Going::stop) return Going::stop;
             std::string_view text(buffer.data(), kept + *got);
             skipsLine = skipsLine && !dropLineBegin(text);
-            if (visitLines(text, marks, isLast, visit) == Going::stop) return Going::stop;
+            if (visitLines(text, search, isLast, visit) == Going::stop) return Going::stop;
             if (isLast) break;
             kept = keepLastLine(text);
             skipsLine = skipsLine || kept > longestLine;
@@ -84,16 +70,17 @@ private:
         return newline != std::string_view::npos;
     }
 
-    template <typename Visit>
-    static Going visitLines(std::string_view text, LineMarks marks, bool isLast, Visit& visit) {
+    template <std::size_t Count, typename Visit>
+    static Going visitLines(std::string_view text, const MarkSearch<Count>& search, bool isLast,
+                            Visit& visit) {
         std::size_t begin = 0;
-        for (std::size_t place = findMark(text, marks, 0); place != std::string_view::npos;) {
+        for (std::size_t place = search.find(text, 0); place != std::string_view::npos;) {
             begin = lineBegin(text, begin, place);
             const std::size_t end = text.find('\n', place);
             if (end == std::string_view::npos && !isLast) break;
             if (visit(text.substr(begin, end - begin)) == Going::stop) return Going::stop;
             if (end == std::string_view::npos) break;
-            place = findMark(text, marks, end + 1);
+            place = search.find(text, end + 1);
             begin = end + 1;
         }
         return Going::on;

@@ -17,6 +17,10 @@ namespace fleetwise {
 /// Takes the prices out of the update feed. Any thread, but `adopt` on one at a time.
 class PriceFeed {
 public:
+    using Failure = PriceFailure;
+
+    static constexpr auto& parse = parsePriceBlock;
+
     /// `pricesFile` is the one that `settings` loads, which must outlive this.
     PriceFeed(std::string pricesFile, PriceSettings& settings);
 

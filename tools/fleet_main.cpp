@@ -26,6 +26,7 @@ constexpr std::string_view usage =
     "  --subagents N   sub-agents of these Codex sessions (0)\n"
     "  --forks N       forks of these Codex sessions (0)\n"
     "  --compressed N  old Codex sessions whose files are compressed (0)\n"
+    "  --claude-forks N  forks of the Claude Code sessions, beyond --sessions and --megabytes (0)\n"
     "  --projects N    working directories (12)\n"
     "  --days D        how far back ended sessions reach (20 hours)\n"
     "  --seed S        the same seed gives the same files (1)\n"
@@ -51,6 +52,7 @@ bool readOption(std::string_view option, std::string_view value, Plan& plan) {
     if (option == "--subagents") return readNumber(value, plan.subagentRollouts);
     if (option == "--forks") return readNumber(value, plan.forkedRollouts);
     if (option == "--compressed") return readNumber(value, plan.compressedRollouts);
+    if (option == "--claude-forks") return readNumber(value, plan.forkedSessions);
     if (option == "--projects") return readNumber(value, plan.projects);
     if (option == "--days") return readNumber(value, plan.days);
     if (option == "--seed") return readNumber(value, plan.seed);

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -96,6 +97,21 @@ SessionBook recount(const SessionBook& written) {
     return found;
 }
 
+/// What a plain reading of the session's subagents' transcripts finds.
+std::map<std::string, Usage> recountSubagents(const SessionBook& book) {
+    std::map<std::string, Usage> found;
+    const std::string folder = book.projectFolder + "/" + book.id + "/subagents";
+    if (!std::filesystem::exists(folder)) return found;
+    for (const std::string& file : filesBelow(folder)) {
+        if (!file.ends_with(".jsonl")) continue;
+        SessionBook subagent = book;
+        subagent.transcriptPath = file;
+        for (const auto& [model, usage] : recount(subagent).usageByModel)
+            found[model] += usage;
+    }
+    return found;
+}
+
 Json encoded(const SessionBook& book) {
     Books books;
     books.sessions.push_back(book);
@@ -125,6 +141,7 @@ TEST_F(Generator, transcriptsHoldWhatTheBooksSay) {
     for (const SessionBook& book : books.sessions) {
         SCOPED_TRACE(book.transcriptPath);
         EXPECT_EQ(encoded(recount(book)), encoded(book));
+        EXPECT_EQ(recountSubagents(book), book.subagentUsageByModel);
         EXPECT_EQ(static_cast<std::int64_t>(contentsOf(book.transcriptPath).size()),
                   book.transcriptBytes);
         bytes += book.transcriptBytes;
@@ -257,6 +274,45 @@ TEST(GeneratorOfAllKinds, descendantsOfRolloutsBeginWithTheirParents) {
     ASSERT_EQ(books.compressedRollouts.size(), 2U);
     for (const std::string& path : books.compressedRollouts)
         EXPECT_TRUE(path.ends_with(".jsonl.zst") && !contentsOf(path).empty()) << path;
+}
+
+/// The ids of the transcript's requests, each once.
+std::set<std::string> requestsOf(const std::string& path) {
+    std::set<std::string> requests;
+    forEachRecord(path, [&](const Json& record) {
+        if (record.contains("requestId")) requests.insert(record.at("requestId"));
+    });
+    return requests;
+}
+
+TEST(GeneratorOfAllKinds, forkedSessionsRepeatRequestsOfTheirParents) {
+    const TemporaryDirectory home;
+    Plan plan = smallPlan();
+    plan.forkedSessions = 6;
+    const Books books = generate(plan, home.path()).value_or(Books());
+    ASSERT_EQ(books.sessions.size(), 30U + 6U);
+    std::map<std::string, SessionBook> byId;
+    int forksOfForks = 0;
+    for (const SessionBook& book : books.sessions) {
+        byId[book.id] = book;
+        if (!book.forkedFrom) continue;
+        SCOPED_TRACE(book.transcriptPath);
+        EXPECT_EQ(encoded(recount(book)), encoded(book));
+        const SessionBook& parent = byId.at(*book.forkedFrom);
+        forksOfForks += parent.forkedFrom ? 1 : 0;
+        const std::set<std::string> own = requestsOf(book.transcriptPath);
+        const std::set<std::string> theirs = requestsOf(parent.transcriptPath);
+        std::vector<std::string> repeated;
+        std::ranges::set_intersection(own, theirs, std::back_inserter(repeated));
+        EXPECT_EQ(static_cast<std::int64_t>(repeated.size()), book.inheritedRequests);
+        EXPECT_GT(book.inheritedRequests, 0);
+        EXPECT_GT(own.size(), repeated.size());
+        std::int64_t inherited = 0;
+        for (const auto& [model, usage] : book.inheritedUsageByModel)
+            inherited += usage.requests;
+        EXPECT_EQ(inherited, book.inheritedRequests);
+    }
+    EXPECT_EQ(forksOfForks, 2);
 }
 
 TEST(GeneratorOfAllKinds, desktopSessionsHaveMetadata) {

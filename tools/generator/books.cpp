@@ -18,6 +18,13 @@ Json encodeUsage(const Usage& usage) {
             {"cacheWrite1h", usage.cacheWrite1h}};
 }
 
+Json encodeUsages(const std::map<std::string, Usage>& usageByModel) {
+    Json encoded = Json::object();
+    for (const auto& [model, used] : usageByModel)
+        encoded[model] = encodeUsage(used);
+    return encoded;
+}
+
 Json encodeDesktop(const std::optional<DesktopBook>& book) {
     if (!book) return nullptr;
     return {{"path", book->path},
@@ -39,9 +46,6 @@ std::string_view nameOf(RolloutKind kind) {
 }
 
 Json encodeSession(const SessionBook& book) {
-    Json usage = Json::object();
-    for (const auto& [model, used] : book.usageByModel)
-        usage[model] = encodeUsage(used);
     return {{"id", book.id},
             {"cwd", book.cwd},
             {"projectFolder", book.projectFolder},
@@ -67,7 +71,11 @@ Json encodeSession(const SessionBook& book) {
             {"gitBranch", optionalText(book.gitBranch)},
             {"tasks", book.tasks},
             {"tasksCompleted", book.tasksCompleted},
-            {"usageByModel", std::move(usage)},
+            {"usageByModel", encodeUsages(book.usageByModel)},
+            {"subagentUsageByModel", encodeUsages(book.subagentUsageByModel)},
+            {"forkedFrom", optionalText(book.forkedFrom)},
+            {"inheritedRequests", book.inheritedRequests},
+            {"inheritedUsageByModel", encodeUsages(book.inheritedUsageByModel)},
             {"billedUSD", book.billedUSD},
             {"desktop", encodeDesktop(book.desktop)}};
 }

@@ -23,6 +23,17 @@ struct Usage {
     std::int64_t cacheWrite1h = 0;
 
     bool operator==(const Usage&) const = default;
+
+    Usage& operator+=(const Usage& more) {
+        requests += more.requests;
+        input += more.input;
+        output += more.output;
+        thinking += more.thinking;
+        cacheRead += more.cacheRead;
+        cacheWrite5m += more.cacheWrite5m;
+        cacheWrite1h += more.cacheWrite1h;
+        return *this;
+    }
 };
 
 /// What the desktop app keeps about a session of its own.
@@ -61,8 +72,12 @@ struct SessionBook {
     std::optional<std::string> gitBranch;
     std::int64_t tasks = 0;
     std::int64_t tasksCompleted = 0;
-    std::map<std::string, Usage> usageByModel;
-    double billedUSD = 0;  ///< as the last cost-state record says
+    std::map<std::string, Usage> usageByModel;           ///< of this transcript
+    std::map<std::string, Usage> subagentUsageByModel;   ///< of all its subagents' transcripts
+    std::optional<std::string> forkedFrom;               ///< id of the session it was copied from
+    std::int64_t inheritedRequests = 0;                  ///< of the copied part
+    std::map<std::string, Usage> inheritedUsageByModel;  ///< of the copied part; in `usageByModel`
+    double billedUSD = 0;                                ///< as the last cost-state record says
     std::optional<DesktopBook> desktop;
 };
 

@@ -8,6 +8,7 @@
 #include "generator/past.h"
 #include "generator/random.h"
 #include "generator/rollout_fleet.h"
+#include "generator/session_forks.h"
 #include "generator/transcript.h"
 #include "sources/project_folder.h"
 
@@ -42,8 +43,8 @@ public:
 
     tl::expected<Books, GeneratorError> write() {
         if (Result free = checkThatHomeIsFree(); !free) return tl::unexpected(free.error());
-        for (const auto step :
-             {&HomeWriter::writeProjects, &HomeWriter::writeSessions, &HomeWriter::writeRollouts}) {
+        for (const auto step : {&HomeWriter::writeProjects, &HomeWriter::writeSessions,
+                                &HomeWriter::writeRollouts, &HomeWriter::writeForks}) {
             if (Result done = (this->*step)(); !done) return tl::unexpected(done.error());
         }
         return std::move(books);
@@ -200,12 +201,13 @@ private:
             .and_then([&] { return index % 15 == 0 ? writeTasks(book) : Result(); });
     }
 
-    /// Transcripts of subagents, in a folder beside the session's own; they are not in the books.
-    Result writeSubagents(const SessionBook& book, int count) {
+    /// Transcripts of subagents, in a folder beside the session's own.
+    Result writeSubagents(SessionBook& book, int count) {
         for (int index = 0; index < count; ++index) {
             const std::string agentId = "a" + random.hexadecimal(16);
             const std::string folder = joinPath(book.projectFolder, book.id + "/subagents");
             SessionBook subagent = book;
+            subagent.usageByModel.clear();
             subagent.transcriptPath = joinPath(folder, "agent-" + agentId + ".jsonl");
             const TranscriptShape shape{20'000, TranscriptEnding::answered, {}, agentId};
             Result done = writeTranscript(subagent, shape, random, filler).and_then([&] {
@@ -214,6 +216,8 @@ private:
                                  book.lastActivityAt);
             });
             if (!done) return done;
+            for (const auto& [model, usage] : subagent.usageByModel)
+                book.subagentUsageByModel[model] += usage;
         }
         return {};
     }
@@ -244,6 +248,9 @@ private:
             folders.push_back(project.cwd);
         return RolloutFleet(plan, at(".codex"), folders, random, filler).write(books);
     }
+
+    /// The last step, so that everything else is the same with forks and without.
+    Result writeForks() { return writeSessionForks(plan, random, filler, books); }
 
     const Plan& plan;
     const std::string home;

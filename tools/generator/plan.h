@@ -17,8 +17,9 @@ struct Plan {
     int subagentRollouts = 0;    ///< their sub-agents', in turns; none where there are no rollouts
     int forkedRollouts = 0;      ///< forks of them, likewise
     int compressedRollouts = 0;  ///< old rollouts that cannot be read, since they are compressed
-    int projects = 12;           ///< working directories the sessions are spread over; at least one
-    double days = 20.0 / 24;     ///< how far back ended sessions and rollouts reach
+    int forkedSessions = 0;   ///< forks of Claude Code sessions, beyond `sessions` and `megabytes`
+    int projects = 12;        ///< working directories the sessions are spread over; at least one
+    double days = 20.0 / 24;  ///< how far back ended sessions and rollouts reach
     std::uint64_t seed = 1;
     std::int32_t pid = 1;  ///< the process every live session claims; process 1 always exists
     Date now = currentDate();

@@ -79,11 +79,12 @@ public:
         sidechain = shape.agentId.empty()
                         ? R"("isSidechain":false)"
                         : fmt::format(R"("isSidechain":true,"agentId":"{}")", shape.agentId);
+        if (shape.history) copy(*shape.history);
         tick();
     }
 
     tl::expected<void, GeneratorError> write() {
-        if (shape.agentId.empty()) prologue();
+        if (shape.agentId.empty() && !shape.history) prologue();
         do {
             turn();
         } while (file.size() < shape.bytes);
@@ -105,10 +106,18 @@ private:
         file.endLine();
     }
 
+    void copy(const TranscriptHistory& history) {
+        file.text = history.text;
+        copiedBytes = file.size();
+        uuid = history.lastUuid;
+        turns = 1;
+    }
+
     /// Sets the time of the records that follow.
     void tick() {
-        const double part = static_cast<double>(file.size()) /
-                            static_cast<double>(std::max<std::int64_t>(shape.bytes, 10'000));
+        const double part =
+            static_cast<double>(file.size() - copiedBytes) /
+            static_cast<double>(std::max<std::int64_t>(shape.bytes - copiedBytes, 10'000));
         const Seconds whole = book.lastActivityAt - book.startedAt;
         timestamp = internetDate(book.startedAt + whole * std::min(1.0, part));
     }
@@ -398,6 +407,7 @@ private:
     std::string promptId;
     std::int64_t cached = 15'000;  ///< tokens in the model's prompt cache
     int turns = 0;
+    std::int64_t copiedBytes = 0;  ///< of a fork; they take no time
 };
 
 }  // namespace

@@ -2,6 +2,9 @@
 
 #include "localisation/localisation.h"
 
+#include <fmt/format.h>
+
+#include <cstdlib>
 #include <string_view>
 
 namespace fleetwise {
@@ -27,6 +30,26 @@ std::string groupedNumber(std::int64_t number) {
         digits.insert(position, thousandsSeparator(language));
     }
     return digits;
+}
+
+std::string fixedNumber(std::int64_t units, int decimals) {
+    std::int64_t scale = 1;
+    for (int digit = 0; digit < decimals; ++digit)
+        scale *= 10;
+    const std::int64_t fraction = std::abs(units % scale);
+    const std::string_view separator = interfaceLanguageInUse() == "en" ? "." : ",";
+    const std::string_view sign = units < 0 && units > -scale ? "-" : "";
+    return fmt::format("{}{}{}{:0{}}", sign, groupedNumber(units / scale), separator, fraction,
+                       decimals);
+}
+
+std::string byteCountText(std::uint64_t bytes) {
+    constexpr std::uint64_t megabyte = 1'000'000;
+    if (bytes < megabyte) return localised("< 1 MB"_text);
+    const std::uint64_t megabytes = bytes / megabyte + (bytes % megabyte >= megabyte / 2 ? 1 : 0);
+    if (megabytes < 1'000) return localisedFormat("%@ MB"_text, std::to_string(megabytes));
+    const auto tenthsOfGigabytes = static_cast<std::int64_t>((megabytes + 50) / 100);
+    return localisedFormat("%@ GB"_text, fixedNumber(tenthsOfGigabytes, 1));
 }
 
 }  // namespace fleetwise

@@ -9,4 +9,13 @@ namespace fleetwise {
 /// "200,000" in English, with no-break spaces in French and Polish.
 std::string groupedNumber(std::int64_t number);
 
+/// A number with `decimals` digits behind the decimal separator of the interface language, given
+/// in units of the last of them: 1234567 with 2 decimals is "12.345,67" in German. `decimals` is
+/// from 1 to 9.
+std::string fixedNumber(std::int64_t units, int decimals);
+
+/// A size in the largest unit that fits, of 10^6 or 10^9 bytes: "412 MB", "1,2 GB"; below one
+/// megabyte "< 1 MB".
+std::string byteCountText(std::uint64_t bytes);
+
 }  // namespace fleetwise

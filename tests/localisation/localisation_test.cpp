@@ -1,7 +1,9 @@
 #include "localisation/localisation.h"
 
+#include "localisation/day_format.h"
 #include "localisation/duration_format.h"
 #include "localisation/language.h"
+#include "localisation/money_format.h"
 #include "localisation/number_format.h"
 #include "localisation/text_pattern.h"
 
@@ -199,6 +201,86 @@ TEST_F(Localisation, groupsTheDigitsOfNumbers) {
     for (const auto& row : rows) {
         setInterfaceLanguage(row.language, {});
         EXPECT_EQ(groupedNumber(row.number), row.expected) << row.language;
+    }
+}
+
+TEST_F(Localisation, writesSizesInTheLargestUnit) {
+    const struct {
+        const char* language;
+        std::uint64_t bytes;
+        const char* expected;
+    } rows[] = {
+        {"de", 0, "< 1 MB"},
+        {"de", 999'999, "< 1 MB"},
+        {"de", 1'000'000, "1 MB"},
+        {"de", 412'499'999, "412 MB"},
+        {"de", 999'499'999, "999 MB"},
+        {"de", 999'500'000, "1,0 GB"},
+        {"de", 1'234'567'890, "1,2 GB"},
+        {"en", 1'234'567'890'000, "1,234.6 GB"},
+        {"de", std::numeric_limits<std::uint64_t>::max(), "18.446.744.073,7 GB"},
+    };
+    for (const auto& row : rows) {
+        setInterfaceLanguage(row.language, {});
+        EXPECT_EQ(byteCountText(row.bytes), row.expected) << row.bytes;
+    }
+}
+
+TEST_F(Localisation, writesMoneyInTheShortFormOfTheLanguage) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const struct {
+        const char* language;
+        double usd;
+        const char* expected;
+    } rows[] = {
+        {"de", 0, "0,00 $"},
+        {"de", 0.42, "0,42 $"},
+        {"de", 1e-9, "< 0,01 $"},
+        {"de", 0.00499, "< 0,01 $"},
+        {"de", 0.005, "0,01 $"},
+        {"de", 0.125, "0,13 $"},
+        {"de", 12.4, "12,40 $"},
+        {"de", 999.99, "999,99 $"},
+        {"de", 999.996, "1.000 $"},
+        {"de", 1234.5, "1.235 $"},
+        {"de", 1'234'567.2, "1.234.567 $"},
+        {"de", -0.42, "-0,42 $"},
+        {"de", -1234, "-1.234 $"},
+        {"de", -0.001, "0,00 $"},
+        {"de", std::nan(""), "0,00 $"},
+        {"de", infinity, "1.000.000.000.000 $"},
+        {"en", 0.42, "$0.42"},
+        {"en", 0.001, "< $0.01"},
+        {"en", -1234, "-$1,234"},
+        {"fr", 0.42, "0,42\u00A0$US"},
+        {"fr", 1234, "1\u202F234\u00A0$US"},
+        {"es", 0.42, "0,42 US$"},
+        {"it", 1234, "1.234 USD"},
+        {"pl", 1234, "1\u00A0234\u00A0USD"},
+    };
+    for (const auto& row : rows) {
+        setInterfaceLanguage(row.language, {});
+        EXPECT_EQ(moneyText(row.usd), row.expected) << row.language << " " << row.usd;
+    }
+}
+
+TEST_F(Localisation, writesDaysInTheFormOfTheLanguage) {
+    const struct {
+        const char* language;
+        const char* day;
+        const char* expected;
+    } rows[] = {
+        {"de", "2026-08-27", "27.08.2026"},
+        {"en", "2026-08-07", "Aug 7, 2026"},
+        {"fr", "2026-08-27", "27/08/2026"},
+        {"pl", "2026-08-27", "27.08.2026"},
+        {"en", "2026-13-01", "2026-13-01"},
+        {"de", "2026-08-27T10:00:00", "2026-08-27T10:00:00"},
+        {"de", "", ""},
+    };
+    for (const auto& row : rows) {
+        setInterfaceLanguage(row.language, {});
+        EXPECT_EQ(dayText(row.day), row.expected) << row.language << " " << row.day;
     }
 }
 

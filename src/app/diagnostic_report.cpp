@@ -1,5 +1,6 @@
 #include "app/diagnostics.h"
 #include "app/session_report.h"
+#include "fleet/cost_texts.h"
 #include "foundation/text.h"
 
 #include <fmt/format.h>
@@ -31,6 +32,13 @@ void printLanguages(Output out, const Diagnostics& diagnostics) {
     fmt::format_to(out,
                    "           Sparkle: nicht vorhanden   Aktualisierung: keine, dieses "
                    "Programm enthält kein Update-Framework\n");
+}
+
+void printPrices(Output out, const Diagnostics& diagnostics) {
+    fmt::format_to(out, "Preise:    {}\n", printable(priceBookText(diagnostics.prices)));
+    if (!diagnostics.priceVerdict) return;
+    const std::string verdict = verdictText(*diagnostics.priceVerdict);
+    if (!verdict.empty()) fmt::format_to(out, "           {}\n", printable(verdict));
 }
 
 void printTimings(Output out, const Diagnostics& diagnostics) {
@@ -103,6 +111,7 @@ std::string diagnosticReport(const Diagnostics& diagnostics) {
     fmt::format_to(out, "Fleetwise — Diagnose\n\n");
     printDirectories(out, diagnostics);
     printLanguages(out, diagnostics);
+    printPrices(out, diagnostics);
     printTimings(out, diagnostics);
     printStalls(out, diagnostics);
     fmt::format_to(

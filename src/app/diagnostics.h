@@ -1,9 +1,11 @@
 #pragma once
 
 #include "app/language_choice.h"
+#include "cost/session_cost.h"
 #include "fleet/fleet_snapshot.h"
 #include "reactions/stall.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +34,10 @@ struct Diagnostics {
     std::vector<Stall> stalls;  ///< oldest first
 
     FleetSnapshot::Collection collection;
+
+    SessionCosts costs;
+    Prices::Book prices = Prices::Book::builtIn();
+    std::optional<Prices::Verdict> priceVerdict;  ///< of all sessions together
 };
 
 /// The report as it is printed. Its own words are German whatever the interface language, so that

@@ -51,7 +51,9 @@ public:
           termination(onTermination([] { QApplication::exit(); })) {}
 
     void start(const std::string& address) {
-        live.fleet().start();
+        live.start([this](const std::string& version) {
+            interface.tell(shown("Fleetwise %@ ist erschienen."_text, version));
+        });
         interface.start();
         open(address);
     }

@@ -1,11 +1,14 @@
 #include "app/live_fleet.h"
 
+#include "app/feed_address.h"
 #include "app/hook_jobs.h"
+#include "app/program_version.h"
 #include "platform/dock_badge.h"
 #include "platform/host_window_focus.h"
 #include "sources/paths.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace fleetwise {
 
@@ -23,11 +26,28 @@ void ensureStateDirectories() {
 LiveFleet::LiveFleet(UserDefaults& defaults, Settings& givenSettings)
     : settings(givenSettings),
       hosts(Paths::hostsFile(), defaults, currentDate()),
+      costs(CostStore::shared()),
+      prices(defaults, Paths::pricesFile(),
+             [this](const Prices::Book& book) {
+                 loop.post([this, book] { monitor.setPriceBook(book); });
+             }),
+      priceFeed(Paths::pricesFile(), prices),
       attentionLog(Paths::attentionLogFile(), currentDate()),
       watchdog(Paths::stallsFile(), [this](auto action) { loop.post(std::move(action)); }),
       windows(makeWindowFocus()),
       commands(settings, ProcessTable::system(), *windows, launcher),
-      monitor(environment()) {}
+      monitor(environment()),
+      download(programVersion()),
+      feed(loop, download, priceFeed, feedAddress(settings), programVersion()) {}
+
+void LiveFleet::start(std::function<void(const std::string&)> newVersion) {
+    monitor.start();
+    prices.load();
+    feed.start([this, newVersion = std::move(newVersion)] {
+        const std::string version = feed.newerVersion().value_or("");
+        if (!version.empty() && std::exchange(toldVersion, version) != version) newVersion(version);
+    });
+}
 
 FleetMonitor::Environment LiveFleet::environment() {
     return {
@@ -40,6 +60,7 @@ FleetMonitor::Environment LiveFleet::environment() {
         .sessionsDirectory = Paths::sessionsDir(),
         .ensureStateDirectories = ensureStateDirectories,
         .hosts = hosts,
+        .costs = costs,
         .watchdog = watchdog,
         .reactions = {&attentionLog},
         .focus = [this](const Session& session) { return commands.focus(session); },
@@ -53,6 +74,8 @@ FleetMonitor::Environment LiveFleet::environment() {
 void LiveFleet::flush() {
     // The user may have removed the folder meanwhile.
     ensureStateDirectories();
+    costs.stop();
+    costs.save();
     const Date now = currentDate();
     attentionLog.flush(now);
     hosts.flush(now);

@@ -2,13 +2,18 @@
 
 #include "app/machine_sources.h"
 #include "app/session_commands.h"
+#include "cost/price_feed.h"
+#include "monitor/feed_update.h"
 #include "monitor/fleet_monitor.h"
+#include "platform/qt_feed_download.h"
 #include "platform/qt_main_loop.h"
 #include "platform/qt_process_launcher.h"
 #include "reactions/attention_log.h"
 #include "reactions/stall_watchdog.h"
 
+#include <functional>
 #include <memory>
+#include <string>
 
 namespace fleetwise {
 
@@ -17,8 +22,11 @@ namespace fleetwise {
 /// loop, when it goes, still waits for a pass that uses those above it.
 class LiveFleet {
 public:
-    /// Both outlive this; `defaults` is only used here.
+    /// Both outlive this.
     LiveFleet(UserDefaults& defaults, Settings& settings);
+
+    /// Once. `newVersion` is called with each newer version of the program that the feed lists.
+    void start(std::function<void(const std::string&)> newVersion);
 
     FleetMonitor& fleet() { return monitor; }
 
@@ -32,6 +40,9 @@ private:
     MachineSources machine;
     FleetSnapshot::Shared shared;
     HostAppMemory hosts;
+    CostStore& costs;
+    PriceSettings prices;
+    PriceFeed priceFeed;
     AttentionLog attentionLog;
     QtMainLoop loop;
     StallWatchdog watchdog;
@@ -39,6 +50,9 @@ private:
     QtProcessLauncher launcher;
     SessionCommands commands;
     FleetMonitor monitor;
+    QtFeedDownload download;
+    FeedUpdate feed;
+    std::string toldVersion;
 };
 
 }  // namespace fleetwise

@@ -3,6 +3,8 @@
 #include "app/diagnostics.h"
 #include "app/environment.h"
 #include "app/machine_sources.h"
+#include "cost/cost_store.h"
+#include "cost/price_settings.h"
 #include "fleet/remembered_hosts.h"
 #include "monitor/settings.h"
 #include "platform/directory_watcher.h"
@@ -38,6 +40,15 @@ void collectFleet(Diagnostics& diagnostics, const Settings& settings) {
     diagnostics.timings = shared.timings;
 }
 
+void collectCosts(Diagnostics& diagnostics, const Settings& settings, UserDefaults& defaults) {
+    CostStore& store = CostStore::shared();
+    store.refresh(diagnostics.now, settings.get(Settings::showsCodex));
+    diagnostics.costs = *store.sessions();
+    diagnostics.prices =
+        PriceSettings(defaults, Paths::pricesFile(), [](const Prices::Book&) {}).load();
+    diagnostics.priceVerdict = store.priceVerdict(diagnostics.prices);
+}
+
 }  // namespace
 
 std::string runReport(UserDefaults& defaults, const LanguageChoice& language) {
@@ -62,6 +73,7 @@ std::string runReport(UserDefaults& defaults, const LanguageChoice& language) {
     diagnostics.stalls = loadStalls(Paths::stallsFile());
     diagnostics.language = language;
     collectFleet(diagnostics, settings);
+    collectCosts(diagnostics, settings, defaults);
 
     HostAppMemory hosts(Paths::hostsFile(), defaults, diagnostics.now);
     fillRememberedHosts(diagnostics.collection.sessions, hosts.entries(diagnostics.now));

@@ -1,5 +1,7 @@
 #include "app/session_report.h"
 
+#include "app/cost_report.h"
+#include "app/report_block.h"
 #include "foundation/text.h"
 #include "localisation/duration_format.h"
 #include "localisation/number_format.h"
@@ -17,28 +19,6 @@ namespace {
 
 constexpr std::size_t messageLimit = 200;
 constexpr std::string_view unknownHost = "Fenster unbekannt";
-
-/// Gathers the lines "    Label:      value" of one block.
-class Block {
-public:
-    void line(std::string_view label, std::string_view value) {
-        if (value.empty()) return;
-        fmt::format_to(std::back_inserter(text), "    {:<13}{}\n", fmt::format("{}:", label),
-                       printable(value));
-    }
-
-    /// A further value below the line before.
-    void continued(std::string_view value) {
-        fmt::format_to(std::back_inserter(text), "    {:<13}{}\n", "", printable(value));
-    }
-
-    void verbatim(std::string_view line) {
-        text += line;
-        text += '\n';
-    }
-
-    std::string text;
-};
 
 std::string stateText(const Session& session, Date now) {
     const auto since = session.elapsedReference();
@@ -104,7 +84,7 @@ std::string backgroundText(const BackgroundTask& task) {
     return text;
 }
 
-void addBackground(Block& block, const Session& session) {
+void addBackground(ReportBlock& block, const Session& session) {
     if (session.backgroundTasks.empty()) return;
     block.line("Hintergrund",
                fmt::format("{} laufend, {} im Hintergrund", session.runningBackgroundTasks().size(),
@@ -114,7 +94,7 @@ void addBackground(Block& block, const Session& session) {
     }
 }
 
-void addStatistics(Block& block, const Session& session) {
+void addStatistics(ReportBlock& block, const Session& session) {
     if (!session.stats) return;
     const auto& stats = *session.stats;
     const double fill = session.contextFill({}).value_or(0);
@@ -135,7 +115,7 @@ void addStatistics(Block& block, const Session& session) {
 
 std::string sessionReport(const Session& session, const Diagnostics& diagnostics) {
     const Date now = diagnostics.now;
-    Block block;
+    ReportBlock block;
     block.verbatim(fmt::format("{}{} — {}", session.isFavorite ? "★ " : "", label(session.state),
                                session.displayName()));
     block.line("ID", session.id);
@@ -163,6 +143,9 @@ std::string sessionReport(const Session& session, const Diagnostics& diagnostics
     }
     block.line("Verbund", session.federationId.value_or(std::string()));
     addStatistics(block, session);
+    if (const auto found = diagnostics.costs.find(session.id); found != diagnostics.costs.end()) {
+        addCosts(block, *found->second, diagnostics.prices);
+    }
     if (diagnostics.collection.titledByDesktop.contains(session.id)) {
         block.verbatim("    Titel aus Desktop-Store: " +
                        printable(session.title.value_or(std::string())));

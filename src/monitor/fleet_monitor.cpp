@@ -36,7 +36,13 @@ struct FleetMonitor::Pass {
 };
 
 FleetMonitor::FleetMonitor(Environment givenEnvironment)
-    : environment(std::move(givenEnvironment)), shownTime(environment.loop.now()) {}
+    : environment(std::move(givenEnvironment)),
+      costs({.loop = environment.loop,
+             .store = environment.costs,
+             .calendar = environment.calendar,
+             .costsChanged = [this] { notify(&Observer::costsChanged); },
+             .progressChanged = [this] { notify(&Observer::costScanChanged); }}),
+      shownTime(environment.loop.now()) {}
 
 FleetMonitor::~FleetMonitor() = default;
 
@@ -141,7 +147,9 @@ void FleetMonitor::apply(FleetSnapshot::Collection collection) {
     rememberHosts(sessions, now);
     environment.watchdog.setSessions(sessions.size());
     react(sessions, now);
-    publish(std::move(sessions));
+    const bool differs = publish(std::move(sessions));
+    costs.followPass(differs ? FleetCosts::News::some : FleetCosts::News::none,
+                     environment.settings.get(Settings::showsCodex));
 }
 
 void FleetMonitor::adoptFederations(std::vector<Session>& sessions) {
@@ -200,16 +208,17 @@ void FleetMonitor::pruneDismissed(const FleetSnapshot::Collection& collection) {
     if (shownAgain > 0) wantsAnotherCollection = true;
 }
 
-void FleetMonitor::publish(std::vector<Session> sessions) {
+bool FleetMonitor::publish(std::vector<Session> sessions) {
     const bool isFirst = std::exchange(hasPublished, true) == false;
     const bool differs = sessions != list;
     list = std::move(sessions);
     const bool isRegrouped = regroup();
     updateDockBadge();
-    if (!isFirst && !differs && !isRegrouped) return;
+    if (!isFirst && !differs && !isRegrouped) return false;
     // Running times are told anew with what they belong to.
     shownTime = environment.loop.now();
     notify(&Observer::fleetChanged);
+    return differs;
 }
 
 void FleetMonitor::updateDockBadge() {

@@ -3,6 +3,7 @@
 #include "fleet/fleet_snapshot.h"
 #include "fleet/session_groups.h"
 #include "foundation/main_loop.h"
+#include "monitor/fleet_costs.h"
 #include "monitor/settings.h"
 #include "reactions/fleet_reaction.h"
 #include "sources/hook_installer.h"
@@ -40,6 +41,8 @@ public:
         virtual void settingsChanged() {}  ///< any setting; before the fleet changes by it
         virtual void windowRequested() {}  ///< the main window is to be shown
         virtual void hookChanged() {}      ///< hookState or hookProblem differ
+        virtual void costsChanged() {}     ///< figures or prices differ
+        virtual void costScanChanged() {}  ///< the progress of a long scan
     };
 
     /// What the monitor works with. All that is referred to outlives it.
@@ -52,6 +55,7 @@ public:
         std::string sessionsDirectory;  ///< the registry, watched as hook.statusDir is
         std::function<void()> ensureStateDirectories;
         HostAppMemory& hosts;
+        CostStore& costs;
         StallWatchdog& watchdog;
         std::vector<FleetReaction*> reactions;  ///< in the order they are told
         /// Brings the window a session runs in to the front, or tells why not, for the user.
@@ -142,6 +146,18 @@ public:
     /// The mark to put into a prompt that hands the session's work over to another.
     std::string handoffMark(const std::string& id) const;
 
+    /// What sessions cost, together; see FleetCosts::figures.
+    CostFigures figures(const std::vector<std::string>& ids) const { return costs.figures(ids); }
+    CostFigures figuresOfToday() const { return costs.figuresOfToday(); }
+    std::shared_ptr<const CostStore::Session> cost(const std::string& id) const {
+        return costs.cost(id);
+    }
+    /// The book that all figures are told by.
+    const Prices::Book& priceBook() const { return costs.priceBook(); }
+    void setPriceBook(const Prices::Book& book) { costs.setPriceBook(book); }
+    const std::optional<Prices::Verdict>& priceVerdict() const { return costs.priceVerdict(); }
+    const std::optional<CostStore::Progress>& costScan() const { return costs.progress(); }
+
     HookState hookState() const { return hook; }
     const HookInstaller::Places& hookPlaces() const { return environment.hook; }
     /// Why the last installation failed; empty otherwise.
@@ -164,7 +180,8 @@ private:
     void rememberHosts(std::vector<Session>& sessions, Date now);
     void react(const std::vector<Session>& sessions, Date now);
     void pruneDismissed(const FleetSnapshot::Collection& collection);
-    void publish(std::vector<Session> sessions);
+    /// Whether the list differs from the one before.
+    bool publish(std::vector<Session> sessions);
     bool regroup();
     void updateDockBadge();
     void listChanged();
@@ -187,6 +204,7 @@ private:
 
     Environment environment;
     std::vector<Observer*> observers;
+    FleetCosts costs;
 
     std::vector<Session> list;
     std::vector<SessionGroup> grouped;

@@ -66,15 +66,16 @@ std::vector<std::string> Settings::keys() {
     const auto inOrder = [](const auto&... settings) {
         return std::vector<std::string>{std::string(settings.key)...};
     };
-    return inOrder(
-        groupMode, sortMode, activeFilters, density, summarizeSelfDriven, showDormant,
-        dormantRetentionDays, doneGraceMinutes, showsCodex, dismissedSessionIds, favoriteSessionIds,
-        language, appearanceMode, hideDockIcon, showIntroAtLaunch, didCompleteOnboarding,
-        didSetInitialWindowSize, didAdoptPreviousNameSettings, terminalPath, windowGeometry,
-        notificationsEnabled, isMuted, notifyingStates, newSessionsNotify, sessionNotifyOverrides,
-        notifiesWindowReset, doneSound, waitingSound, windowResetSound, stateActions, webhookURL,
-        staysAwake, costDisplay, moneyBasis, usageShowsQuota, usageShowsTokens, usageShowsMoney,
-        usagePinned, markShowsWorking, markShowsFiveHour, markShowsSevenDay, markShowsReset);
+    return inOrder(groupMode, sortMode, activeFilters, density, summarizeSelfDriven, showDormant,
+                   dormantRetentionDays, doneGraceMinutes, showsCodex, dismissedSessionIds,
+                   favoriteSessionIds, language, appearanceMode, hideDockIcon, showIntroAtLaunch,
+                   didCompleteOnboarding, didSetInitialWindowSize, didAdoptPreviousNameSettings,
+                   terminalPath, windowGeometry, feedURL, notificationsEnabled, isMuted,
+                   notifyingStates, newSessionsNotify, sessionNotifyOverrides, notifiesWindowReset,
+                   doneSound, waitingSound, windowResetSound, stateActions, webhookURL, staysAwake,
+                   costDisplay, moneyBasis, usageShowsQuota, usageShowsTokens, usageShowsMoney,
+                   usagePinned, markShowsWorking, markShowsFiveHour, markShowsSevenDay,
+                   markShowsReset);
 }
 
 bool Settings::isStored(std::string_view key) const {

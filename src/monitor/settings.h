@@ -51,6 +51,8 @@ public:
     static constexpr Setting<std::string_view> terminalPath{"terminalPath", ""};
     /// Place and size of the main window, in the toolkit's form; empty at the first launch.
     static constexpr Setting<std::string_view> windowGeometry{"windowGeometry", ""};
+    /// In place of the update feed's address that the program was built with; not in the interface.
+    static constexpr Setting<std::string_view> feedURL{"feedURL", ""};
 
     // Reactions.
     static constexpr Setting<bool> notificationsEnabled{"notificationsEnabled", true};

@@ -1,5 +1,7 @@
 #include "ui/fleet_interface.h"
 
+#include "fleet/cost_texts.h"
+#include "ui/cost_display.h"
 #include "ui/interface_text.h"
 #include "ui/mark_settings.h"
 #include "ui/mark_tooltip.h"
@@ -88,7 +90,9 @@ void FleetInterface::followTray() {
 
 void FleetInterface::settingsChanged() {
     applyAppearance();
+    glanceDelegate.setAmounts(costDisplay(monitor.settings()).amounts());
     showMark();
+    showToday();
 }
 
 void FleetInterface::applyAppearance() {
@@ -99,6 +103,19 @@ void FleetInterface::applyAppearance() {
 
 void FleetInterface::fleetChanged() {
     showMark();
+    // The day may be another one.
+    showToday();
+}
+
+void FleetInterface::showToday() {
+    const CostDisplay display = costDisplay(monitor.settings());
+    const CostFigures today = monitor.figuresOfToday();
+    const std::string amount = costText(today.money(display.basis));
+    if (display.extent == CostDisplay::Extent::nothing || amount.empty()) {
+        popover.setCosts({}, {});
+        return;
+    }
+    popover.setCosts(shown("Heute %@"_text, amount), qtText(costExplanation(today, display.basis)));
 }
 
 void FleetInterface::showMark() {

@@ -32,12 +32,14 @@ private:
     void fleetChanged() override;
     void settingsChanged() override;
     void hookChanged() override;
+    void costsChanged() override { showToday(); }
 
     void connectTray();
     void connectPopover();
     void applyAppearance();
     void followTray();
     void showMark();
+    void showToday();
 
     FleetMonitor& monitor;
     QApplication& application;

@@ -1,8 +1,12 @@
 #include "ui/fleet_list_model.h"
 
+#include "fleet/cost_texts.h"
+#include "ui/interface_text.h"
+
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace fleetwise {
 
@@ -21,7 +25,10 @@ QString identityOf(const SessionRow& row) {
 FleetListModel::FleetListModel(FleetMonitor& givenMonitor,
                                std::function<std::vector<SessionGroup>()> givenGroups,
                                QObject* parent)
-    : QAbstractListModel(parent), monitor(givenMonitor), groups(std::move(givenGroups)) {
+    : QAbstractListModel(parent),
+      monitor(givenMonitor),
+      groups(std::move(givenGroups)),
+      costs(costDisplay(monitor.settings())) {
     update();
     monitor.addObserver(*this);
 }
@@ -41,7 +48,7 @@ QVariant FleetListModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
             return shown.name;
         case Qt::ToolTipRole:
-            return shown.tooltip;
+            return tooltipOf(shown);
         case Qt::AccessibleTextRole:
             return shown.spoken;
         case rowRole:
@@ -86,14 +93,51 @@ bool FleetListModel::isFolded(const SessionGroup& group) const {
 }
 
 SessionRow FleetListModel::rowOf(const Session& session) const {
+    std::string cost;
+    if (costs.extent == CostDisplay::Extent::sessions) {
+        cost = costText(monitor.figures({session.id}).money(costs.basis));
+    }
     return sessionRow(session, {monitor.clock(), monitor.calendar(), monitor.home()},
-                      monitor.notice(session.id));
+                      monitor.notice(session.id), cost);
+}
+
+SessionRow FleetListModel::headingOf(const SessionGroup& group) const {
+    std::string cost;
+    if (costs.extent != CostDisplay::Extent::nothing) {
+        cost = costText(figuresOf(group).money(costs.basis));
+    }
+    return headingRow(group, isFolded(group), cost);
+}
+
+QString FleetListModel::tooltipOf(const SessionRow& row) const {
+    if (row.cost.isEmpty()) return row.tooltip;
+    const QString explanation = qtText(costExplanation(figuresOf(row), costs.basis));
+    return row.tooltip.isEmpty() ? explanation : row.tooltip + u'\n' + explanation;
+}
+
+CostFigures FleetListModel::figuresOf(const SessionRow& row) const {
+    const std::string key = row.key.toStdString();
+    if (row.kind == SessionRow::Kind::session) return monitor.figures({key});
+    const auto all = groups();
+    const auto group = std::ranges::find(all, key, &SessionGroup::key);
+    return group == all.end() ? CostFigures() : figuresOf(*group);
+}
+
+CostFigures FleetListModel::figuresOf(const SessionGroup& group) const {
+    std::vector<std::string> ids;
+    for (const std::size_t member : group.members)
+        ids.push_back(monitor.sessions()[member].id);
+    return monitor.figures(ids);
+}
+
+void FleetListModel::settingsChanged() {
+    if (std::exchange(costs, costDisplay(monitor.settings())) != costs) update();
 }
 
 std::vector<SessionRow> FleetListModel::rowsNow() const {
     std::vector<SessionRow> wanted;
     for (const SessionGroup& group : groups()) {
-        wanted.push_back(headingRow(group, isFolded(group)));
+        wanted.push_back(headingOf(group));
         if (wanted.back().isFolded) continue;
         for (const std::size_t member : group.members)
             wanted.push_back(rowOf(monitor.sessions()[member]));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitor/fleet_monitor.h"
+#include "ui/cost_display.h"
 #include "ui/session_row.h"
 
 #include <QAbstractListModel>
@@ -45,11 +46,18 @@ public:
 private:
     void fleetChanged() override { update(); }
     void clockTicked() override { updateTimes(); }
+    void settingsChanged() override;
+    void costsChanged() override { update(); }
 
     void update();
     /// Brings running times up to date; those of ended sessions only once a minute.
     void updateTimes();
     SessionRow rowOf(const Session& session) const;
+    SessionRow headingOf(const SessionGroup& group) const;
+    /// With what the row's sessions cost, which is worked out only where the pointer rests.
+    QString tooltipOf(const SessionRow& row) const;
+    CostFigures figuresOf(const SessionRow& row) const;
+    CostFigures figuresOf(const SessionGroup& group) const;
     std::vector<SessionRow> rowsNow() const;
     bool isFolded(const SessionGroup& group) const;
     void removeGone(const std::vector<SessionRow>& wanted);
@@ -60,6 +68,7 @@ private:
 
     FleetMonitor& monitor;
     std::function<std::vector<SessionGroup>()> groups;
+    CostDisplay costs;
     std::vector<SessionRow> rows;
     Date updatedAt;                      ///< when all rows were made
     std::map<std::string, bool> folded;  ///< by group key, where the user has decided

@@ -1,5 +1,6 @@
 #include "ui/fleet_popover.h"
 
+#include "ui/elided_label.h"
 #include "ui/interface_text.h"
 #include "ui/popover_geometry.h"
 #include "ui/theme.h"
@@ -113,9 +114,11 @@ QWidget* FleetPopover::makeFooter() {
         hide();
         emit windowWanted();
     });
+    costs = new ElidedLabel(footer);
+    costs->setForegroundRole(QPalette::PlaceholderText);
     auto* layout = new QHBoxLayout(footer);
-    layout->setContentsMargins(Metrics::gap, 0, Metrics::gap, 0);
-    layout->addStretch();
+    layout->setContentsMargins(Metrics::margin, 0, Metrics::gap, 0);
+    layout->addWidget(costs, 1);
     layout->addWidget(window);
     return footer;
 }
@@ -134,6 +137,11 @@ void FleetPopover::followModel(const QAbstractItemModel& model) {
 void FleetPopover::setQuota(const QuotaFigures& figures) {
     quota->setFigures(figures);
     if (isVisible()) fitting.start(0);
+}
+
+void FleetPopover::setCosts(const QString& text, const QString& explanation) {
+    costs->setText(text);
+    costs->setToolTip(explanation);
 }
 
 void FleetPopover::setHint(FleetHint hint) {

@@ -28,6 +28,9 @@ public:
     void setQuota(const QuotaFigures& figures);
     void setHint(FleetHint hint);
 
+    /// What today's work costs, in short and explained; empty where nothing is to be told.
+    void setCosts(const QString& text, const QString& explanation);
+
     /// Opens beside `anchor` on the screen that it is on, as popoverRect places it; closes if it
     /// is open, or was until this very click.
     void toggle(const QRect& anchor);
@@ -63,6 +66,7 @@ private:
     QListView* list = nullptr;
     QWidget* emptyState = nullptr;
     QLabel* emptyHint = nullptr;
+    QLabel* costs = nullptr;
     QTimer fitting;  ///< gathers the model's changes until the event loop is back
     QElapsedTimer sinceClosing;
 };

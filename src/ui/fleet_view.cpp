@@ -41,11 +41,12 @@ FleetView::FleetView(FleetMonitor& givenMonitor, FleetListModel& givenModel, QWi
     connect(&list, &QAbstractItemModel::dataChanged, this, &FleetView::followActivity);
 }
 
-void FleetView::setLook(Density density, GroupMode grouping) {
+void FleetView::setLook(Density density, GroupMode grouping, const CostDisplay& costs) {
     delegate->setDensity(density);
     delegate->setStateLabels(grouping == GroupMode::status
                                  ? SessionRowDelegate::StateLabels::hidden
                                  : SessionRowDelegate::StateLabels::shown);
+    delegate->setAmounts(costs.amounts());
     scheduleDelayedItemsLayout();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fleet/list_rules.h"
+#include "ui/cost_display.h"
 #include "ui/row_geometry.h"
 
 #include <QBasicTimer>
@@ -10,7 +11,6 @@ namespace fleetwise {
 
 class FleetListModel;
 class FleetMonitor;
-class SessionRowDelegate;
 
 /// The list of sessions: what the keyboard and the mouse do in it, and the signs of life of those
 /// that work.
@@ -22,7 +22,7 @@ public:
     FleetView(FleetMonitor& monitor, FleetListModel& model, QWidget* parent = nullptr);
 
     /// Follows the settings.
-    void setLook(Density density, GroupMode grouping);
+    void setLook(Density density, GroupMode grouping, const CostDisplay& costs);
 
     /// Selects the first session where none is selected, and scrolls to the selected one.
     void selectSomething();

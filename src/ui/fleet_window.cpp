@@ -1,6 +1,8 @@
 #include "ui/fleet_window.h"
 
 #include "foundation/brand.h"
+#include "ui/cost_footer.h"
+#include "ui/elided_label.h"
 #include "ui/filter_bar.h"
 #include "ui/fleet_list_model.h"
 #include "ui/fleet_view.h"
@@ -35,7 +37,7 @@ FleetWindow::FleetWindow(FleetMonitor& givenMonitor, FleetListModel& givenModel)
       filterBar(new FilterBar(monitor)),
       view(new FleetView(monitor, model)),
       empty(new QLabel),
-      footer(new QLabel) {
+      footer(new ElidedLabel) {
     setWindowTitle(QString::fromUtf8(Brand::bundleName.data(), Brand::bundleName.size()));
     setObjectName(QStringLiteral("fleet"));
     layOut();
@@ -58,8 +60,14 @@ void FleetWindow::layOut() {
     empty->setAlignment(Qt::AlignCenter);
     empty->setWordWrap(true);
     empty->setMargin(2 * Metrics::groupGap);
-    footer->setContentsMargins(Metrics::margin, Metrics::grid, Metrics::margin, Metrics::grid);
-    footer->setForegroundRole(QPalette::PlaceholderText);
+    auto* costs = new CostFooter(monitor);
+    for (QLabel* label : {footer, static_cast<QLabel*>(costs)})
+        label->setForegroundRole(QPalette::PlaceholderText);
+    auto* foot = new QHBoxLayout;
+    foot->setContentsMargins(Metrics::margin, Metrics::grid, Metrics::margin, Metrics::grid);
+    foot->setSpacing(Metrics::groupGap);
+    foot->addWidget(footer);
+    foot->addWidget(costs, 1);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -67,7 +75,7 @@ void FleetWindow::layOut() {
     layout->addWidget(new HookBanner(monitor));
     layout->addWidget(view, 1);
     layout->addWidget(empty, 1);
-    layout->addWidget(footer);
+    layout->addLayout(foot);
     setTabOrder(filterBar, view);
 }
 
@@ -120,7 +128,7 @@ void FleetWindow::bringUp() {
 
 void FleetWindow::settingsChanged() {
     view->setLook(densityFrom(monitor.settings().get(Settings::density)),
-                  monitor.settings().listRules().groupMode);
+                  monitor.settings().listRules().groupMode, costDisplay(monitor.settings()));
 }
 
 void FleetWindow::fleetChanged() {

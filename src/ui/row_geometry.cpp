@@ -40,6 +40,9 @@ RowGeometry compactGeometry(RowGeometry geometry, const QRect& content, const Ro
     const int width = content.width();
     RightEnd end(content);
     geometry.time = end.take(sizes.timeWidth, sizes.lineHeight);
+    if (sizes.costWidth > 0 && width >= narrowRow + sizes.costWidth) {
+        geometry.cost = end.take(sizes.costWidth, sizes.lineHeight);
+    }
     geometry.bar = end.take(barWidth, barHeight);
     if (width >= wideRow) geometry.origin = end.take(width * 18 / 100, sizes.lineHeight);
     if (width >= narrowRow) geometry.place = end.take(width * 20 / 100, sizes.lineHeight);
@@ -64,6 +67,7 @@ RowGeometry comfortableGeometry(RowGeometry geometry, const QRect& content,
     geometry.place = upperEnd.take(width * (width < narrowRow ? 24 : 30) / 100, sizes.lineHeight);
     geometry.name = upperEnd.line;
     RightEnd lowerEnd(lower);
+    if (sizes.costWidth > 0) geometry.cost = lowerEnd.take(sizes.costWidth, lower.height());
     geometry.bar = lowerEnd.take(barWidth, barHeight);
     if (width >= narrowRow) geometry.origin = lowerEnd.take(width * 26 / 100, lower.height());
     geometry.detail = lowerEnd.line;

@@ -20,6 +20,7 @@ struct RowTextSizes {
     int lineHeight = 0;       ///< of the names
     int smallLineHeight = 0;  ///< of the second line
     int timeWidth = 0;        ///< of the longest usual running time
+    int costWidth = 0;        ///< of the longest usual amount; 0 where rows tell none
 };
 
 /// Where the parts of a session's row stand. Texts are placed in the middle of their height; an
@@ -31,6 +32,7 @@ struct RowGeometry {
     QRect place;   ///< path or project, and branch; right-aligned
     QRect origin;  ///< application and model; right-aligned
     QRect bar;     ///< how full the context is
+    QRect cost;    ///< right-aligned
     QRect time;    ///< right-aligned
 
     bool operator==(const RowGeometry&) const = default;

@@ -71,6 +71,7 @@ QString spokenOf(const SessionRow& row) {
     }
     parts << row.badges;
     if (row.contextFill) parts << shown("Kontext"_text) + u' ' + contextText(row.contextFill);
+    if (!row.cost.isEmpty()) parts << shown("Kosten"_text) + u' ' + row.cost;
     if (row.isFavorite) parts << shown("Favorit"_text);
     return parts.join(QStringLiteral(", "));
 }
@@ -78,7 +79,7 @@ QString spokenOf(const SessionRow& row) {
 }  // namespace
 
 SessionRow sessionRow(const Session& session, const RowContext& context,
-                      const std::optional<std::string>& notice) {
+                      const std::optional<std::string>& notice, const std::string& cost) {
     SessionRow row;
     row.key = qtText(session.id);
     row.name = qtText(session.displayName());
@@ -95,6 +96,7 @@ SessionRow sessionRow(const Session& session, const RowContext& context,
     row.elapsed = elapsedText(session, context.now);
     row.badges = badgesOf(session);
     row.contextFill = session.contextFill({});
+    row.cost = qtText(cost);
     row.isFavorite = session.isFavorite;
     row.isLive = session.isLive;
     row.isStale = session.isStale(context.now);
@@ -103,7 +105,7 @@ SessionRow sessionRow(const Session& session, const RowContext& context,
     return row;
 }
 
-SessionRow headingRow(const SessionGroup& group, bool isFolded) {
+SessionRow headingRow(const SessionGroup& group, bool isFolded, const std::string& cost) {
     SessionRow row;
     row.kind = SessionRow::Kind::heading;
     row.key = qtText(group.key);
@@ -111,10 +113,13 @@ SessionRow headingRow(const SessionGroup& group, bool isFolded) {
     row.detail = qtText(group.detail);
     row.count = static_cast<int>(group.members.size());
     row.isFolded = isFolded;
+    row.cost = qtText(cost);
     row.tooltip = row.detail;
     row.spoken = isFolded
                      ? shown("Gruppe %@, %d Sitzungen, eingeklappt"_text, group.title, row.count)
                      : shown("Gruppe %@, %d Sitzungen"_text, group.title, row.count);
+    if (!row.cost.isEmpty())
+        row.spoken += QStringLiteral(", ") + shown("Kosten"_text) + u' ' + row.cost;
     return row;
 }
 

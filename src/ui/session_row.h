@@ -22,6 +22,7 @@ struct SessionRow {
     QString detail;   ///< more about it on one line; may be empty
     QString tooltip;  ///< plain text of several lines
     QString spoken;   ///< the whole row in words, for screen readers
+    QString cost;     ///< of the session, or of the heading's sessions together; may be empty
 
     // A heading's own.
     int count = 0;  ///< of its sessions
@@ -54,10 +55,11 @@ struct RowContext {
     std::string home;  ///< shown as "~" in paths
 };
 
+/// `cost` is the amount as it is shown; empty where none is.
 SessionRow sessionRow(const Session& session, const RowContext& context,
-                      const std::optional<std::string>& notice);
+                      const std::optional<std::string>& notice, const std::string& cost);
 
-SessionRow headingRow(const SessionGroup& group, bool isFolded);
+SessionRow headingRow(const SessionGroup& group, bool isFolded, const std::string& cost);
 
 }  // namespace fleetwise
 

@@ -1,5 +1,6 @@
 #include "ui/session_row_delegate.h"
 
+#include "fleet/cost_texts.h"
 #include "localisation/duration_format.h"
 #include "ui/agent_symbol.h"
 #include "ui/drawing_box.h"
@@ -30,13 +31,9 @@ constexpr int starSide = 12;
 constexpr int symbolSide = 12;
 constexpr auto separator = " · ";
 
-RowTextSizes textSizes(const QFont& font) {
-    const QFontMetrics body(font);
-    const QFontMetrics small(smallFont(font));
-    const QString longest = qtText(durationText(std::chrono::minutes(23 * 60 + 58)));
-    return {.lineHeight = body.height(),
-            .smallLineHeight = small.height(),
-            .timeWidth = small.horizontalAdvance(longest) + 1};
+/// Rarely is one longer, and then it closes its gaps.
+QString longestUsualAmount() {
+    return qtText(costText({.usd = 888.88, .isEstimated = true}));
 }
 
 QColor faded(QColor colour, double strength) {
@@ -166,6 +163,12 @@ void paintName(QPainter& painter, const QRect& area, const SessionRow& row, cons
               palette.secondary);
 }
 
+void paintCost(QPainter& painter, const QRect& area, QString cost, const Palette& palette) {
+    const bool fits = painter.fontMetrics().horizontalAdvance(cost) <= area.width();
+    if (!fits) cost.remove(u' ');
+    write(painter, area, cost, palette.secondary, Qt::AlignRight);
+}
+
 void paintOrigin(QPainter& painter, const QRect& area, const SessionRow& row,
                  const Palette& palette) {
     const int room = symbolSide + Metrics::grid;
@@ -178,6 +181,19 @@ void paintOrigin(QPainter& painter, const QRect& area, const SessionRow& row,
 }
 
 }  // namespace
+
+RowTextSizes SessionRowDelegate::textSizes(const QFont& font) const {
+    const QFontMetrics body(font);
+    const QFontMetrics small(smallFont(font));
+    const QString longestTime = qtText(durationText(std::chrono::minutes(23 * 60 + 58)));
+    RowTextSizes sizes{.lineHeight = body.height(),
+                       .smallLineHeight = small.height(),
+                       .timeWidth = small.horizontalAdvance(longestTime) + 1};
+    if (amounts == Amounts::shown) {
+        sizes.costWidth = small.horizontalAdvance(longestUsualAmount()) + 1;
+    }
+    return sizes;
+}
 
 void SessionRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                const QModelIndex& index) const {
@@ -212,6 +228,8 @@ void SessionRowDelegate::paintHeading(QPainter& painter, const QStyleOptionViewI
     painter.setFont(font);
     line.adjust(write(painter, line, row.name, palette.text) + Metrics::gap, 0, 0, 0);
     painter.setFont(smallFont(option.font));
+    const int cost = write(painter, line, row.cost, palette.secondary, Qt::AlignRight);
+    if (cost > 0) line.adjust(0, 0, -cost - Metrics::gap, 0);
     const QString count = QString::number(row.count);
     line.adjust(write(painter, line, count, palette.secondary) + Metrics::groupGap, 0, 0, 0);
     write(painter, line, row.detail, palette.secondary, Qt::AlignLeft, Elide::middle);
@@ -231,6 +249,7 @@ void SessionRowDelegate::paintSession(QPainter& painter, const QStyleOptionViewI
           Qt::AlignRight, Elide::middle);
     if (!geometry.origin.isEmpty()) paintOrigin(painter, geometry.origin, row, palette);
     if (row.contextFill) paintBar(painter, geometry.bar, *row.contextFill, palette);
+    paintCost(painter, geometry.cost, row.cost, palette);
     write(painter, geometry.time, row.elapsed, palette.secondary, Qt::AlignRight);
 }
 

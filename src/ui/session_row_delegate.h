@@ -16,6 +16,7 @@ class SessionRowDelegate final : public QStyledItemDelegate {
 
 public:
     enum class StateLabels { shown, hidden };
+    enum class Amounts { shown, hidden };
 
     explicit SessionRowDelegate(QObject* parent = nullptr) : QStyledItemDelegate(parent) {}
 
@@ -23,6 +24,9 @@ public:
 
     /// Whether rows tell their state in words; headings that tell it spare them that.
     void setStateLabels(StateLabels labels) { stateLabels = labels; }
+
+    /// Whether sessions' rows have room for what they cost.
+    void setAmounts(Amounts choice) { amounts = choice; }
 
     /// How far the rings of working sessions have turned, 0 to 1.
     void setTurn(double share) { turn = share; }
@@ -38,6 +42,7 @@ public:
     QRect glyphRect(const QStyleOptionViewItem& option, const QRect& row) const;
 
 private:
+    RowTextSizes textSizes(const QFont& font) const;
     void paintHeading(QPainter& painter, const QStyleOptionViewItem& option,
                       const SessionRow& row) const;
     void paintSession(QPainter& painter, const QStyleOptionViewItem& option, const SessionRow& row,
@@ -49,6 +54,7 @@ private:
 
     Density rowDensity = Density::compact;
     StateLabels stateLabels = StateLabels::shown;
+    Amounts amounts = Amounts::hidden;
     double turn = 0;
     QRegion painted{-everywhere, -everywhere, 2 * everywhere, 2 * everywhere};
 };

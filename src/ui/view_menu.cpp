@@ -19,24 +19,52 @@ void addSwitch(QMenu* menu, FleetMonitor& monitor, const QString& text,
                      [&monitor, &setting](bool isOn) { monitor.change(setting, isOn); });
 }
 
-void addAppearances(QMenu* menu, FleetMonitor& monitor) {
-    const std::string current = monitor.settings().get(Settings::appearanceMode);
-    auto* choices = new QActionGroup(menu);
-    const auto add = [&](const QString& text, const char* mode) {
-        QAction* action = choices->addAction(text);
+struct Choice {
+    QString text;
+    std::string_view value;
+};
+
+/// Actions of which one is chosen. A value that is none of theirs counts as the first.
+void addChoices(QMenu* menu, FleetMonitor& monitor, const Setting<std::string_view>& setting,
+                const std::vector<Choice>& choices) {
+    const std::string current = monitor.settings().get(setting);
+    auto* group = new QActionGroup(menu);
+    for (const Choice& choice : choices) {
+        QAction* action = group->addAction(choice.text);
         action->setCheckable(true);
-        action->setChecked(current == mode);
+        action->setChecked(current == choice.value || &choice == &choices.front());
         menu->addAction(action);
-        QObject::connect(action, &QAction::triggered, menu,
-                         [&monitor, mode] { monitor.change(Settings::appearanceMode, mode); });
-    };
-    add(shown("Wie der Desktop"_text), "system");
-    add(shown("Hell"_text), "light");
-    add(shown("Dunkel"_text), "dark");
+        QObject::connect(
+            action, &QAction::triggered, menu,
+            [&monitor, &setting, value = choice.value] { monitor.change(setting, value); });
+    }
+}
+
+void addAppearances(QMenu* menu, FleetMonitor& monitor) {
+    addChoices(menu, monitor, Settings::appearanceMode,
+               {{shown("Wie der Desktop"_text), "system"},
+                {shown("Hell"_text), "light"},
+                {shown("Dunkel"_text), "dark"}});
+}
+
+void addCosts(QMenu* menu, FleetMonitor& monitor) {
+    QMenu* costs = menu->addMenu(shown("Kosten"_text));
+    addChoices(costs, monitor, Settings::costDisplay,
+               {{shown("Je Sitzung"_text), "session"},
+                {shown("Nur Summen"_text), "total"},
+                {shown("Aus"_text), "off"}});
+    costs->addSeparator();
+    addChoices(costs, monitor, Settings::moneyBasis,
+               {{shown("Abgerechnet"_text), rawValue(MoneyBasis::billed)},
+                {shown("API-Preis"_text), rawValue(MoneyBasis::api)},
+                {shown("Ohne Cache"_text), rawValue(MoneyBasis::uncached)}});
 }
 
 void fill(QMenu* menu, FleetMonitor& monitor) {
     menu->clear();
+    // What belongs to the actions without being theirs.
+    qDeleteAll(menu->findChildren<QMenu*>());
+    qDeleteAll(menu->findChildren<QActionGroup*>());
     addSwitch(menu, monitor, shown("Ruhende Sitzungen zeigen"_text), Settings::showDormant);
     addSwitch(menu, monitor, shown("Codex zeigen"_text), Settings::showsCodex);
     addSwitch(menu, monitor, shown("Selbstgesteuerte zusammenfassen"_text),
@@ -46,6 +74,8 @@ void fill(QMenu* menu, FleetMonitor& monitor) {
     menu->addAction(shown("Entfernte wieder zeigen (%d)"_text, dismissed), menu,
                     [&monitor] { monitor.clearDismissed(); })
         ->setEnabled(dismissed > 0);
+    menu->addSeparator();
+    addCosts(menu, monitor);
     menu->addSeparator();
     addAppearances(menu, monitor);
 }

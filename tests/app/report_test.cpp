@@ -1,5 +1,6 @@
-// The report through the real program, on a home with recorded transcripts.
+// The report, mostly through the real program on a home with recorded transcripts.
 
+#include "app/cost_report.h"
 #include "program_run.h"
 
 #include <gmock/gmock.h>
@@ -44,8 +45,39 @@ TEST(Report, listsRecordedSessionsAndStalls) {
     EXPECT_THAT(report.output, HasSubstr("\n    ID:          4e39591d\n"));
     EXPECT_THAT(report.output, HasSubstr("\n    Pfad:        /home/dev/work/demo\n"));
     EXPECT_THAT(report.output, HasSubstr("    Statistik: Kontext 9 % von 200.000, 3 Antworten, "
-                                         "1 Tool-Aufrufe, Ausgabe 363\n"));
+                                         "1 Tool-Aufrufe, Ausgabe 363\n"
+                                         "    Kosten:      0,05 $ abgerechnet, 0,07 $ API-Preis, "
+                                         "0,27 $ ohne Cache\n"
+                                         "    Tokens:      Eingabe 24, Ausgabe 363 (davon Denken "
+                                         "0), Cache gelesen 48.000, Cache geschrieben 3.930 "
+                                         "(5 min 900, 1 h 3.030, unbekannt 0)\n"
+                                         "    Anfragen:    3 – claude-opus-5-5 3\n"
+                                         "    Preise:      Die Agenten rechnen 21 % weniger ab"));
+    EXPECT_THAT(report.output, HasSubstr("\nPreise:    Eingebaute Preisliste, Stand 27.08.2026\n"
+                                         "           Die Agenten rechnen 21 % weniger ab"));
     EXPECT_THAT(report.output, HasSubstr("0 aktiv, 1 ruhend, 0 brauchen Aufmerksamkeit\n"));
+}
+
+TEST(Report, tellsMissingPricesAndWhatForksCopied) {
+    SessionCost session{.billedUSD = 1.5};
+    session.usage.byModel["claude-haiku-4-5"] = {.tally = {.input = 1'000'000}, .requests = 2};
+    session.usage.byModel["claude-sonnet-5-5"] = {.tally = {.output = 7}, .requests = 1200};
+    session.lineage = Lineage{.parent = "4e39591d", .inheritedRequests = 2};
+    session.lineage->inherited.byModel["claude-haiku-4-5"].tally.input = 500'000;
+    session.lineage->inheritedBilledUSD = 0.5;
+    ReportBlock block;
+    addCosts(block, session, Prices::Book::builtIn());
+    EXPECT_EQ(block.text,
+              "    Kosten:      ≈ 1,50 $ + ? abgerechnet, 1,00 $ + ? API-Preis, 1,00 $ + ? ohne "
+              "Cache\n"
+              "    Tokens:      Eingabe 1.000.000, Ausgabe 7 (davon Denken 0), Cache gelesen 0, "
+              "Cache geschrieben 0 (5 min 0, 1 h 0, unbekannt 0)\n"
+              "    Anfragen:    1.202 – claude-sonnet-5-5 1.200, claude-haiku-4-5 2\n"
+              "    Ohne Preis:  claude-sonnet-5-5\n"
+              "    Geerbt:      2 Anfragen, 500.000 Tokens, 0,50 $ abgerechnet, von 4e39591d\n");
+    ReportBlock unused;
+    addCosts(unused, {}, Prices::Book::builtIn());
+    EXPECT_EQ(unused.text, "");
 }
 
 }  // namespace

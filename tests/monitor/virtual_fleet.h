@@ -69,6 +69,9 @@ public:
     InMemoryUserDefaults defaults;
     Settings settings{defaults};
     HostAppMemory hosts{home.at("hosts.json"), defaults, start};
+    CostStore costs{{home.at("projects"), home.at("codex"), home.at("cost-index.json")},
+                    ::date::locate_zone("Etc/UTC"),
+                    1};
     StallWatchdog watchdog{"", [](const auto&) {}};
     AttentionLog attentionLog{home.at("attention-log.json"), start};
     TransitionNotes transitions;
@@ -98,6 +101,7 @@ private:
             .sessionsDirectory = home.at("sessions"),
             .ensureStateDirectories = [] {},
             .hosts = hosts,
+            .costs = costs,
             .watchdog = watchdog,
             .reactions = {&transitions, &attentionLog},
             .focus = [this](const Session& session) { return carriedOut("focus " + session.id); },

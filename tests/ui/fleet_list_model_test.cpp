@@ -1,15 +1,18 @@
 #include "ui/fleet_list_model.h"
 
 #include "monitor/virtual_fleet.h"
+#include "ui/billed_session.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <random>
 
 namespace fleetwise::testing {
 namespace {
+
+using ::testing::HasSubstr;
 
 class FleetListModelTest : public ::testing::Test, protected VirtualFleet {
 protected:
@@ -136,6 +139,32 @@ TEST_F(FleetListModelTest, tellsARowInWords) {
     commandOutcome = tl::unexpected(std::string("Kein Fenster"));
     monitor.focus("a");
     EXPECT_EQ(model.row(model.indexOf("a")).detail, "Kein Fenster");
+}
+
+TEST_F(FleetListModelTest, tellsCostsWhereTheUserWantsThem) {
+    writeBilledSession(home, "a", 4.9);
+    writeBilledSession(home, "b", 5);
+    begin({session("a", SessionState::working), session("b", SessionState::working)});
+    const auto shownCosts = [this] {
+        return model.row(model.indexOf("a")).cost + "|" + model.row(model.indexOf("working")).cost;
+    };
+    const auto tooltip = [this](const char* key) {
+        return model.indexOf(key).data(Qt::ToolTipRole).toString().toStdString();
+    };
+    EXPECT_EQ(shownCosts(), "4,90 $|9,90 $");
+    EXPECT_THAT(tooltip("a"), HasSubstr("Abgerechnet: 4,90 $\nAPI-Preis: 5,00 $"));
+    EXPECT_THAT(tooltip("working"), HasSubstr("Abgerechnet: 9,90 $"));
+    EXPECT_THAT(model.indexOf("a").data(Qt::AccessibleTextRole).toString().toStdString(),
+                HasSubstr("Kosten 4,90 $"));
+    monitor.change(Settings::moneyBasis, "api");
+    EXPECT_EQ(shownCosts(), "5,00 $|10,00 $");
+    monitor.change(Settings::costDisplay, "total");
+    EXPECT_EQ(shownCosts(), "|10,00 $");
+    monitor.setPriceBook(Prices::flatBook(1));
+    EXPECT_EQ(shownCosts(), "|2,00 $");
+    monitor.change(Settings::costDisplay, "off");
+    EXPECT_EQ(shownCosts(), "|");
+    EXPECT_EQ(tooltip("working"), "");
 }
 
 }  // namespace

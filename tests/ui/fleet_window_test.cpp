@@ -3,11 +3,14 @@
 #include "ui/fleet_window.h"
 
 #include "monitor/virtual_fleet.h"
+#include "ui/billed_session.h"
 #include "ui/chip_button.h"
+#include "ui/cost_footer.h"
 #include "ui/filter_bar.h"
 #include "ui/fleet_list_model.h"
 #include "ui/fleet_view.h"
 #include "ui/hook_banner.h"
+#include "ui/view_menu.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -122,6 +125,35 @@ TEST_F(FleetWindowTest, bringsRemovedSessionsBack) {
     (*action)->trigger();
     finishAll();
     EXPECT_TRUE(model.indexOf("z").isValid());
+}
+
+TEST(FleetWindowFooter, tellsWhatTheListedSessionsCost) {
+    VirtualFleet fleet;
+    writeBilledSession(fleet.home, "a", 5);
+    writeBilledSession(fleet.home, "z", 6);
+    fleet.begin({session("a", SessionState::working), session("z", SessionState::dormant)});
+    const CostFooter footer(fleet.monitor);
+    EXPECT_EQ(footer.text(),
+              "Summe 11,00 $ + ? · 2.000.000 Tokens · "
+              "Eingebaute Preisliste, Stand 27.08.2026");
+    EXPECT_TRUE(footer.toolTip().contains("Abgerechnet: 11,00 $\n"));
+    EXPECT_TRUE(footer.toolTip().contains("rechnen 10 % mehr ab"));
+    fleet.monitor.toggleFilter(ListFilter::working);
+    EXPECT_TRUE(footer.text().startsWith("Summe 5,00 $"));
+
+    // The choices of the view menu reach it.
+    QWidget window;
+    QMenu& menu = *makeViewMenu(fleet.monitor, &window);
+    const auto choose = [&](const QString& text) {
+        emit menu.aboutToShow();
+        for (QAction* action : menu.findChildren<QAction*>()) {
+            if (action->text() == text) action->trigger();
+        }
+    };
+    choose("Ohne Cache");
+    EXPECT_EQ(fleet.settings.get(Settings::moneyBasis), "uncached");
+    choose("Aus");
+    EXPECT_EQ(footer.text(), "");
 }
 
 TEST_F(FleetWindowTest, installsTheHookAfterASecondYes) {

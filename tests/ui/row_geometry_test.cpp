@@ -8,8 +8,10 @@ namespace fleetwise::testing {
 namespace {
 
 TEST(RowGeometry, keepsThePartsApartAndInside) {
-    const RowTextSizes usual{.lineHeight = 18, .smallLineHeight = 15, .timeWidth = 70};
-    const RowTextSizes large{.lineHeight = 40, .smallLineHeight = 34, .timeWidth = 150};
+    const RowTextSizes usual{
+        .lineHeight = 18, .smallLineHeight = 15, .timeWidth = 70, .costWidth = 65};
+    const RowTextSizes large{
+        .lineHeight = 40, .smallLineHeight = 34, .timeWidth = 150, .costWidth = 140};
     for (const auto& sizes : {usual, large}) {
         for (const Density density : {Density::compact, Density::comfortable}) {
             for (const int width : {360, 600, 1000, 2500}) {
@@ -19,7 +21,7 @@ TEST(RowGeometry, keepsThePartsApartAndInside) {
                 std::vector<QRect> parts;
                 for (const QRect& part :
                      {geometry.glyph, geometry.name, geometry.detail, geometry.place,
-                      geometry.origin, geometry.bar, geometry.time}) {
+                      geometry.origin, geometry.bar, geometry.cost, geometry.time}) {
                     if (part.isEmpty()) continue;
                     EXPECT_TRUE(row.contains(part));
                     for (const QRect& other : parts)
@@ -27,6 +29,9 @@ TEST(RowGeometry, keepsThePartsApartAndInside) {
                     parts.push_back(part);
                 }
                 EXPECT_GT(geometry.name.width(), 60) << "what it is called can be read";
+                if (width != 600) {
+                    EXPECT_EQ(geometry.cost.isEmpty(), density == Density::compact && width < 600);
+                }
                 EXPECT_EQ(geometry.detail.isEmpty(), density == Density::compact && width < 480);
             }
         }

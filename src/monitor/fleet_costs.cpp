@@ -1,0 +1,108 @@
+#include "monitor/fleet_costs.h"
+
+#include "cost/cost_sum.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fleetwise {
+
+namespace {
+
+constexpr Seconds progressInterval{0.25};
+
+}  // namespace
+
+FleetCosts::FleetCosts(Environment givenEnvironment)
+    : environment(std::move(givenEnvironment)),
+      book(Prices::current()),
+      sessions(environment.store.sessions()) {}
+
+FleetCosts::~FleetCosts() = default;
+
+void FleetCosts::followPass(News news, bool includesCodex) {
+    hasNews = hasNews || news == News::some;
+    const Date now = environment.loop.now();
+    const bool isDue = hasNews ? now >= nextScan : now - ended >= longestRest;
+    // A clock that was set back must not make this wait.
+    if (!isScanning && (isDue || now < ended)) scan(includesCodex);
+}
+
+void FleetCosts::scan(bool includesCodex) {
+    const std::weak_ptr<bool> alive = aliveToken;
+    isScanning = true;
+    hasNews = false;
+    begun = environment.loop.now();
+    const bool isToSave = begun - saved >= savingInterval || begun < saved;
+    if (isToSave) saved = begun;
+    progressTimer = environment.loop.every(progressInterval, [this] { showProgress(); });
+    runInBackground(
+        environment.loop,
+        [&store = environment.store, now = begun, includesCodex,
+         saving = isToSave ? CostStore::Saving::atOnce : CostStore::Saving::later] {
+            return store.refresh(now, includesCodex, saving);
+        },
+        [this, alive](const CostStore::Scan& done) {
+            if (!alive.expired()) finishScan(done);
+        });
+}
+
+void FleetCosts::finishScan(const CostStore::Scan& scan) {
+    isScanning = false;
+    ended = environment.loop.now();
+    const Seconds taken = std::max(Seconds(0), ended - begun);
+    nextScan = ended + std::max(shortestRest, taken * restPerWork);
+    progressTimer.reset();
+    if (std::exchange(shownProgress, std::nullopt)) environment.progressChanged();
+    const bool isFirst = environment.store.sessions() != sessions;
+    if (!scan.hasChanged && !isFirst) return;
+    adoptSessions();
+    environment.costsChanged();
+}
+
+void FleetCosts::adoptSessions() {
+    sessions = environment.store.sessions();
+    offspring.clear();
+    for (const auto& [id, session] : *sessions) {
+        if (session->startedBy) offspring.emplace(*session->startedBy, id);
+    }
+    verdict = environment.store.priceVerdict(book);
+}
+
+void FleetCosts::showProgress() {
+    if (environment.loop.now() - begun < longScan) return;
+    auto progress = environment.store.progress();
+    if (progress == shownProgress) return;
+    shownProgress = progress;
+    environment.progressChanged();
+}
+
+void FleetCosts::setPriceBook(Prices::Book newBook) {
+    if (newBook == book) return;
+    book = std::move(newBook);
+    verdict = environment.store.priceVerdict(book);
+    environment.costsChanged();
+}
+
+CostFigures FleetCosts::figures(const std::vector<std::string>& ids) const {
+    std::vector<std::string> all = ids;
+    // Grows while it is walked over: threads start threads. A circle ends at the number of all.
+    for (std::size_t index = 0; index < all.size() && all.size() <= sessions->size(); ++index) {
+        const auto [begin, end] = offspring.equal_range(all[index]);
+        for (auto thread = begin; thread != end; ++thread)
+            all.push_back(thread->second);
+    }
+    return CostSum(*sessions, book).of(all);
+}
+
+CostFigures FleetCosts::figuresOfToday() const {
+    const std::string today = formatDate(environment.loop.now(), environment.calendar, "%F");
+    return CostSum(*sessions, book).ofDay(today);
+}
+
+std::shared_ptr<const SessionCost> FleetCosts::cost(const std::string& id) const {
+    const auto found = sessions->find(id);
+    return found == sessions->end() ? nullptr : found->second;
+}
+
+}  // namespace fleetwise

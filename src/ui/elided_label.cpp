@@ -1,0 +1,43 @@
+#include "ui/elided_label.h"
+
+#include <QPainter>
+
+namespace fleetwise {
+
+namespace {
+
+constexpr QStringView separator = u" · ";
+
+}  // namespace
+
+ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+    return {0, QLabel::minimumSizeHint().height()};
+}
+
+void ElidedLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    const QRect area = contentsRect();
+    painter.drawText(area, static_cast<int>(alignment()) | Qt::TextSingleLine,
+                     fittingText(area.width()));
+}
+
+QString ElidedLabel::firstPart() const {
+    return text().left(text().indexOf(separator));
+}
+
+QString ElidedLabel::fittingText(int width) const {
+    QString fitting = text();
+    while (fontMetrics().horizontalAdvance(fitting) > width) {
+        const auto lastPart = fitting.lastIndexOf(separator);
+        if (lastPart < 0) break;
+        fitting.truncate(lastPart);
+    }
+    return fontMetrics().elidedText(fitting, Qt::ElideRight, width);
+}
+
+}  // namespace fleetwise

@@ -1,0 +1,97 @@
+#include "platform/https_server.h"
+
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <gtest/gtest.h>
+#include <openssl/evp.h>
+#include <openssl/pem.h>
+#include <openssl/x509v3.h>
+
+#include <memory>
+#include <utility>
+
+namespace fleetwise::testing {
+
+namespace {
+
+using Memory = std::unique_ptr<BIO, decltype(&BIO_free)>;
+
+std::string contentsOf(BIO* memory) {
+    std::string text(BIO_ctrl_pending(memory), '\0');
+    BIO_read(memory, text.data(), static_cast<int>(text.size()));
+    return text;
+}
+
+void addExtension(X509* certificate, int kind, const char* value) {
+    X509_EXTENSION* extension = X509V3_EXT_conf_nid(nullptr, nullptr, kind, value);
+    X509_add_ext(certificate, extension, -1);
+    X509_EXTENSION_free(extension);
+}
+
+void describe(X509* certificate, const char* names) {
+    X509_set_version(certificate, 2);
+    ASN1_INTEGER_set(X509_get_serialNumber(certificate), 1);
+    X509_gmtime_adj(X509_getm_notBefore(certificate), -3600);
+    X509_gmtime_adj(X509_getm_notAfter(certificate), 3600);
+    X509_NAME* name = X509_get_subject_name(certificate);
+    const unsigned char host[] = "localhost";
+    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, host, -1, -1, 0);
+    X509_set_issuer_name(certificate, name);
+    addExtension(certificate, NID_basic_constraints, "critical,CA:TRUE");
+    addExtension(certificate, NID_subject_alt_name, names);
+}
+
+}  // namespace
+
+ServerIdentity ServerIdentity::made(const char* names) {
+    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(
+        EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"), &EVP_PKEY_free);
+    const std::unique_ptr<X509, decltype(&X509_free)> certificate(X509_new(), &X509_free);
+    describe(certificate.get(), names);
+    X509_set_pubkey(certificate.get(), key.get());
+    EXPECT_GT(X509_sign(certificate.get(), key.get(), EVP_sha256()), 0);
+    const Memory certificateText(BIO_new(BIO_s_mem()), &BIO_free);
+    const Memory keyText(BIO_new(BIO_s_mem()), &BIO_free);
+    PEM_write_bio_X509(certificateText.get(), certificate.get());
+    PEM_write_bio_PrivateKey(keyText.get(), key.get(), nullptr, nullptr, 0, nullptr, nullptr);
+    return {contentsOf(certificateText.get()), contentsOf(keyText.get())};
+}
+
+HttpsServer::HttpsServer(const ServerIdentity& identity, Answer givenAnswer)
+    : answer(std::move(givenAnswer)) {
+    auto configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(
+        QSslCertificate(QByteArray::fromStdString(identity.certificate)));
+    configuration.setPrivateKey(QSslKey(QByteArray::fromStdString(identity.key), QSsl::Ec));
+    server.setSslConfiguration(configuration);
+    QObject::connect(&server, &QTcpServer::pendingConnectionAvailable, &server, [this] {
+        auto* client = qobject_cast<QSslSocket*>(server.nextPendingConnection());
+        if (client != nullptr) serve(*client);
+    });
+    EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
+}
+
+std::string HttpsServer::address(const std::string& path) const {
+    return "https://127.0.0.1:" + std::to_string(server.serverPort()) + path;
+}
+
+void HttpsServer::serve(QSslSocket& client) {
+    const auto request = std::make_shared<std::string>();
+    const auto read = [this, request, &client] {
+        *request += client.readAll().toStdString();
+        if (request->ends_with("\r\n\r\n")) answer(client, std::exchange(*request, {}));
+    };
+    QObject::connect(&client, &QSslSocket::readyRead, &client, read);
+    read();
+}
+
+void HttpsServer::send(QSslSocket& client, const std::string& head, const std::string& body) {
+    const std::string answer = "HTTP/1.1 " + head +
+                               "\r\nContent-Length: " + std::to_string(body.size()) +
+                               "\r\nConnection: close\r\n\r\n" + body;
+    client.write(answer.data(), static_cast<qint64>(answer.size()));
+    client.disconnectFromHost();
+}
+
+}  // namespace fleetwise::testing

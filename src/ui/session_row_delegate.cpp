@@ -228,8 +228,13 @@ void SessionRowDelegate::paintHeading(QPainter& painter, const QStyleOptionViewI
     painter.setFont(font);
     line.adjust(write(painter, line, row.name, palette.text) + Metrics::gap, 0, 0, 0);
     painter.setFont(smallFont(option.font));
-    const int cost = write(painter, line, row.cost, palette.secondary, Qt::AlignRight);
-    if (cost > 0) line.adjust(0, 0, -cost - Metrics::gap, 0);
+    if (!row.cost.isEmpty()) {
+        // A sum stands in the column of what it is of.
+        const QRect column = rowGeometry(option.rect, rowDensity, textSizes(option.font)).cost;
+        if (!column.isEmpty()) line.setRight(column.right());
+        const int cost = write(painter, line, row.cost, palette.secondary, Qt::AlignRight);
+        line.adjust(0, 0, -cost - Metrics::gap, 0);
+    }
     const QString count = QString::number(row.count);
     line.adjust(write(painter, line, count, palette.secondary) + Metrics::groupGap, 0, 0, 0);
     write(painter, line, row.detail, palette.secondary, Qt::AlignLeft, Elide::middle);

@@ -134,8 +134,8 @@ TEST(FleetWindowFooter, tellsWhatTheListedSessionsCost) {
     fleet.begin({session("a", SessionState::working), session("z", SessionState::dormant)});
     const CostFooter footer(fleet.monitor);
     EXPECT_EQ(footer.text(),
-              "Summe 11,00 $ + ? · 2.000.000 Tokens · "
-              "Eingebaute Preisliste, Stand 27.08.2026");
+              "Summe 11,00 $ · 2.000.000 Tokens · "
+              "Eingebaute Preisliste, Stand 27.08.2026 · wohl veraltet");
     EXPECT_TRUE(footer.toolTip().contains("Abgerechnet: 11,00 $\n"));
     EXPECT_TRUE(footer.toolTip().contains("rechnen 10 % mehr ab"));
     fleet.monitor.toggleFilter(ListFilter::working);

@@ -41,7 +41,7 @@ nlohmann::ordered_json sums(const CostStore& store, const SessionAgent& agent) {
         if (session->agent == agent) ids.push_back(id);
     }
     const Prices::Book book = Prices::current();
-    const CostFigures figures = CostSum(*sessions, book).of(ids);
+    const CostFigures figures = CostSum(sessions).of(ids, book);
     return {{"sessions", ids.size()},
             {"input", figures.tally.input},
             {"output", figures.tally.output},

@@ -32,8 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::string> ids;
     for (const auto& [id, session] : cache->sessions)
         ids.push_back(id);
-    const Prices::Book book = Prices::flatBook(1);
-    (void)CostSum(cache->sessions, book).of(ids);
-    (void)CostSum(cache->sessions, book).ofDay("2026-11-21");
+    const CostSum sum(std::make_shared<SessionCosts>(cache->sessions));
+    (void)sum.of(ids, Prices::flatBook(1));
+    (void)sum.ofDay("2026-11-21", Prices::flatBook(1));
     return 0;
 }

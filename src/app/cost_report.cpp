@@ -1,13 +1,13 @@
 #include "app/cost_report.h"
 
 #include "fleet/cost_texts.h"
-#include "localisation/money_format.h"
 #include "localisation/number_format.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -49,30 +49,34 @@ std::string requestsText(const Usage& usage) {
     return fmt::format("{} – {}", groupedNumber(usage.requests()), fmt::join(parts, ", "));
 }
 
-std::string inheritedText(const Lineage& lineage) {
-    std::string text =
-        fmt::format("{} Anfragen, {} Tokens", groupedNumber(lineage.inheritedRequests),
-                    groupedNumber(lineage.inherited.tally().all()));
-    if (lineage.inheritedBilledUSD) {
-        text += fmt::format(", {} abgerechnet", moneyText(*lineage.inheritedBilledUSD));
+/// With whom the session has most of its past in common; empty where it has nothing in common.
+std::string sharedText(const SessionCost& session, const SessionCosts& all) {
+    std::size_t longest = 0;
+    std::string_view relative;
+    for (const auto& [id, other] : all) {
+        if (other.get() == &session || other->family != session.family) continue;
+        const std::size_t past = session.trail.commonPast(other->trail);
+        if (past > longest) relative = id;
+        longest = std::max(longest, past);
     }
-    return text + fmt::format(", von {}", *lineage.parent);
+    if (longest == 0) return {};
+    return fmt::format("{} Anfragen mit {}, in Summen einmal gezählt",
+                       groupedNumber(static_cast<std::int64_t>(longest)), relative);
 }
 
 }  // namespace
 
-void addCosts(ReportBlock& block, const CostStore::Session& session, const Prices::Book& book) {
+void addCosts(ReportBlock& block, const SessionCost& session, const SessionCosts& all,
+              const Prices::Book& book) {
     if (session.requests() == 0 && !session.billedUSD) return;
     const CostFigures figures = session.figures(book);
     block.line("Kosten", amountsText(figures));
     block.line("Tokens", tokensText(figures.tally));
     block.line("Anfragen", requestsText(session.usage));
+    block.line("Gemeinsam", sharedText(session, all));
     block.line("Ohne Preis", fmt::format("{}", fmt::join(figures.modelsWithoutPrice, ", ")));
     if (const auto verdict = session.priceVerdict(book))
         block.line("Preise", verdictText(*verdict));
-    if (session.lineage && session.lineage->parent) {
-        block.line("Geerbt", inheritedText(*session.lineage));
-    }
 }
 
 }  // namespace fleetwise

@@ -144,7 +144,7 @@ std::string sessionReport(const Session& session, const Diagnostics& diagnostics
     block.line("Verbund", session.federationId.value_or(std::string()));
     addStatistics(block, session);
     if (const auto found = diagnostics.costs.find(session.id); found != diagnostics.costs.end()) {
-        addCosts(block, *found->second, diagnostics.prices);
+        addCosts(block, *found->second, diagnostics.costs, diagnostics.prices);
     }
     if (diagnostics.collection.titledByDesktop.contains(session.id)) {
         block.verbatim("    Titel aus Desktop-Store: " +

@@ -84,16 +84,15 @@ Json encode(const std::vector<BilledSlice>& slices) {
     return list;
 }
 
-Json encode(const Lineage& lineage) {
-    Json object{
-        {"family", lineage.family}, {"requests", lineage.requests}, {"shared", lineage.shared}};
-    if (!lineage.parent) return object;
-    object["parent"] = *lineage.parent;
-    object["inheritedRequests"] = lineage.inheritedRequests;
-    object["inheritedByModel"] = encode(lineage.inherited.byModel);
-    object["inheritedDays"] = encode(lineage.inherited.days);
-    put(object, "inheritedBilledUSD", lineage.inheritedBilledUSD);
-    return object;
+Json encode(const std::vector<Beginning>& beginnings) {
+    Json list = Json::array();
+    for (const Beginning& beginning : beginnings) {
+        list.push_back({{"requests", beginning.requests},
+                        {"byModel", encode(beginning.usage.byModel)},
+                        {"days", encode(beginning.usage.days)}});
+        put(list.back(), "billedUSD", beginning.billedUSD);
+    }
+    return list;
 }
 
 Json encode(const SessionCost& session) {
@@ -105,7 +104,10 @@ Json encode(const SessionCost& session) {
     put(object, "lastModel", session.lastModel);
     put(object, "lastEffort", session.lastEffort);
     put(object, "startedBy", session.startedBy);
-    if (session.lineage) object["lineage"] = encode(*session.lineage);
+    if (session.trail.size() == 0) return object;
+    object["family"] = session.family;
+    object["trail"] = session.trail.text();
+    if (!session.beginnings.empty()) object["beginnings"] = encode(session.beginnings);
     return object;
 }
 
@@ -183,17 +185,32 @@ std::vector<BilledSlice> decodeBilled(Array list) {
     return slices;
 }
 
-Lineage decodeLineage(Object object) {
-    Lineage lineage{.family = text(object, "family"),
-                    .requests = required<std::int64_t>(object, "requests"),
-                    .shared = required<std::int64_t>(object, "shared")};
-    take<std::string_view>(object, "parent", lineage.parent);
-    if (!lineage.parent) return lineage;
-    lineage.inheritedRequests = required<std::int64_t>(object, "inheritedRequests");
-    lineage.inherited.byModel = decodeSlices(required<Object>(object, "inheritedByModel"));
-    lineage.inherited.days = decodeDays(required<Object>(object, "inheritedDays"));
-    take<double>(object, "inheritedBilledUSD", lineage.inheritedBilledUSD);
-    return lineage;
+std::vector<Beginning> decodeBeginnings(Array list, const RequestTrail& trail) {
+    std::vector<Beginning> beginnings;
+    for (const Element element : list) {
+        const auto object = valueOf<Object>(element);
+        const auto requests = required<std::uint64_t>(object, "requests");
+        if (requests == 0 || requests > trail.size()) continue;
+        Beginning& beginning = beginnings.emplace_back();
+        beginning.requests = static_cast<std::size_t>(requests);
+        beginning.end = trail.end(beginning.requests);
+        beginning.usage.byModel = decodeSlices(required<Object>(object, "byModel"));
+        beginning.usage.days = decodeDays(required<Object>(object, "days"));
+        take<double>(object, "billedUSD", beginning.billedUSD);
+    }
+    return beginnings;
+}
+
+/// Nothing in it where the file was written without.
+void decodeTrail(Object object, SessionCost& session) {
+    Element element;
+    if (object["trail"].get(element)) return;
+    auto trail = RequestTrail::fromText(valueOf<std::string_view>(element));
+    if (!trail) throw simdjson::simdjson_error(simdjson::INCORRECT_TYPE);
+    session.family = text(object, "family");
+    session.trail = *std::move(trail);
+    if (object["beginnings"].get(element)) return;
+    session.beginnings = decodeBeginnings(valueOf<Array>(element), session.trail);
 }
 
 SessionCost decodeSession(Object object) {
@@ -207,7 +224,7 @@ SessionCost decodeSession(Object object) {
     take<std::string_view>(object, "startedBy", session.startedBy);
     Element element;
     if (!object["days"].get(element)) session.usage.days = decodeDays(valueOf<Object>(element));
-    if (!object["lineage"].get(element)) session.lineage = decodeLineage(valueOf<Object>(element));
+    decodeTrail(object, session);
     return session;
 }
 
@@ -219,12 +236,13 @@ FileState decodeFile(Object object) {
 
 CostCache decode(Object document, std::string_view zone) {
     CostCache cache;
-    for (const auto [id, session] : required<Object>(document, "sessions")) {
-        cache.sessions.emplace(
-            id, std::make_shared<SessionCost>(decodeSession(valueOf<Object>(session))));
-    }
     std::optional<std::string> storedZone;
     take<std::string_view>(document, "zone", storedZone);
+    for (const auto [id, value] : required<Object>(document, "sessions")) {
+        auto session = std::make_shared<SessionCost>(decodeSession(valueOf<Object>(value)));
+        if (storedZone != zone) session->beginnings.clear();
+        cache.sessions.emplace(id, std::move(session));
+    }
     for (const auto [path, value] : required<Object>(document, "files")) {
         FileState file = decodeFile(valueOf<Object>(value));
         const bool isUsable = storedZone == zone && cache.sessions.contains(file.sessionId);

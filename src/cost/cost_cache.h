@@ -33,7 +33,7 @@ struct CostCache {
 ///   "zone"      the time zone whose days the usage is told by
 ///   "files"     path → {"size", "modified", "sessionId"}
 ///   "sessions"  id → {"agent", "byModel", "billedUSD", "billedModels", "lastModel", "lastEffort",
-///               "days", "lineage", "startedBy"}
+///               "startedBy", "days", "family", "trail", "beginnings"}
 /// with the members of the structures above under their own names, and none for what is absent.
 std::string encodeCostCache(const CostCache& cache, std::string_view zone);
 

@@ -1,6 +1,9 @@
 #include "cost/cost_files.h"
 
+#include "foundation/utf8.h"
+
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace fleetwise {
@@ -12,6 +15,16 @@ constexpr std::string_view subagentPrefix = "agent-";
 
 bool isTranscript(std::string_view name) {
     return name.size() > transcriptSuffix.size() && name.ends_with(transcriptSuffix);
+}
+
+/// The cache file names files in UTF-8.
+bool isWellFormedUtf8(std::string_view name) {
+    while (!name.empty()) {
+        const std::size_t length = utf8SequenceLength(name);
+        if (length == 0) return false;
+        name.remove_prefix(length);
+    }
+    return true;
 }
 
 std::string sessionOf(std::string_view transcriptName) {
@@ -26,7 +39,9 @@ FoundFile fileIn(const std::string& folder, DirectoryEntry& entry) {
 void addSubagents(const std::string& folder, CostFiles& files, SkipTally& skipped) {
     for (DirectoryEntry& entry : listDirectory(folder, transcriptSuffix)) {
         if (!entry.name.starts_with(subagentPrefix)) continue;
-        if (entry.kind == FileKind::regular) {
+        if (!isWellFormedUtf8(entry.name)) {
+            ++skipped.malformed;
+        } else if (entry.kind == FileKind::regular) {
             files.subagents.push_back(fileIn(folder, entry));
         } else {
             ++skipped.notRegular;
@@ -36,23 +51,26 @@ void addSubagents(const std::string& folder, CostFiles& files, SkipTally& skippe
 
 void addProject(const std::string& folder, std::map<std::string, CostFiles>& sessions,
                 SkipTally& skipped) {
+    std::set<std::string> found;
     std::vector<std::string> foldersOfSessions;
     for (DirectoryEntry& entry : listDirectory(folder)) {
-        if (entry.kind == FileKind::directory) {
+        if (!isWellFormedUtf8(entry.name)) {
+            ++skipped.malformed;
+        } else if (entry.kind == FileKind::directory) {
             foldersOfSessions.push_back(std::move(entry.name));
         } else if (!isTranscript(entry.name)) {
             continue;
         } else if (entry.kind == FileKind::regular) {
             const std::string session = sessionOf(entry.name);
             sessions[session].own.push_back(fileIn(folder, entry));
+            found.insert(session);
         } else {
             ++skipped.notRegular;
         }
     }
     for (const std::string& session : foldersOfSessions) {
-        const auto found = sessions.find(session);
         const std::string subagents = joinPath(joinPath(folder, session), "subagents");
-        if (found != sessions.end()) addSubagents(subagents, found->second, skipped);
+        if (found.contains(session)) addSubagents(subagents, sessions[session], skipped);
     }
 }
 
@@ -74,7 +92,7 @@ std::map<std::string, CostFiles> claudeCostFiles(const std::string& projectsDire
                                                  SkipTally& skipped) {
     std::map<std::string, CostFiles> sessions;
     for (const DirectoryEntry& project : listDirectory(projectsDirectory)) {
-        if (project.kind != FileKind::directory) continue;
+        if (project.kind != FileKind::directory || !isWellFormedUtf8(project.name)) continue;
         addProject(joinPath(projectsDirectory, project.name), sessions, skipped);
     }
     for (auto& [session, files] : sessions) {
@@ -88,8 +106,9 @@ std::vector<FoundFile> codexCostFiles(const std::string& codexDirectory, Date si
                                       SkipTally& skipped) {
     auto files = findRegularFiles(joinPath(codexDirectory, "sessions"), "rollout-",
                                   {transcriptSuffix}, skipped);
-    std::erase_if(files,
-                  [&](const FoundFile& file) { return modificationDate(file.stamp) < since; });
+    std::erase_if(files, [&](const FoundFile& file) {
+        return modificationDate(file.stamp) < since || !isWellFormedUtf8(file.path);
+    });
     sortByPath(files);
     return files;
 }

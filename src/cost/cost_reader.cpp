@@ -1,11 +1,12 @@
 #include "cost/cost_reader.h"
 
-#include "cost/rollout_usage.h"
-#include "cost/transcript_usage.h"
+#include "cost/rollout_usage_reader.h"
+#include "cost/transcript_usage_reader.h"
 #include "foundation/regular_file.h"
 
 #include <algorithm>
 #include <numeric>
+#include <system_error>
 #include <thread>
 
 namespace fleetwise {
@@ -56,29 +57,35 @@ std::optional<CostReading> CostReader::read(const CostTask& task, std::size_t li
 
 std::optional<CostReading> CostReader::readClaude(const CostTask& task, std::size_t limit) {
     CostReading reading{.sessionId = task.sessionId};
-    TranscriptUsage usage(calendar, limit);
-    const auto readAll = [&](const std::vector<FoundFile>& files, TranscriptUsage::Writer writer) {
+    TranscriptUsageReader usage(calendar, limit);
+    const auto readAll = [&](const std::vector<FoundFile>& files,
+                             TranscriptUsageReader::Writer writer) {
         for (const FoundFile& file : files) {
             readFile(file, UsageLine::marks, reading,
                      [&](std::string_view line) { return usage.add(line, writer); });
         }
     };
-    readAll(task.files.own, TranscriptUsage::Writer::session);
+    readAll(task.files.own, TranscriptUsageReader::Writer::session);
     if (reading.files.empty()) return {};
-    if (limit == allRequests) readAll(task.files.subagents, TranscriptUsage::Writer::subagent);
+    if (limit == allRequests)
+        readAll(task.files.subagents, TranscriptUsageReader::Writer::subagent);
     if (control.isStopping) return {};
-    reading.usage = usage.finish();
+    reading.cost = usage.finish();
     return reading;
 }
 
 std::optional<CostReading> CostReader::readCodex(const CostTask& task, std::size_t limit) {
     CostReading reading;
-    RolloutUsage usage(calendar, limit);
-    const bool isRead = readFile(task.files.own.front(), RolloutUsage::marks, reading,
-                                 [&](std::string_view line) { return usage.add(line); });
-    if (!isRead || usage.threadId().empty()) return {};
+    RolloutUsageReader usage =
+        limit == allRequests ? RolloutUsageReader(calendar) : RolloutUsageReader(calendar, limit);
+    const bool isRead = readFile(task.files.own.front(), RolloutUsageReader::marks, reading,
+                                 [&](std::string_view line) {
+                                     usage.add(line);
+                                     return Going::on;
+                                 });
+    if (!isRead) return {};
     reading.sessionId = usage.threadId();
-    reading.usage = usage.finish();
+    reading.cost = usage.finish();
     return reading;
 }
 
@@ -94,8 +101,12 @@ std::vector<std::optional<CostReading>> readCosts(const std::vector<CostTask>& t
             readings[order[turn]] = reader.read(tasks[order[turn]]);
     };
     std::vector<std::thread> others;
-    for (std::size_t count = 1; count < std::min<std::size_t>(threads, tasks.size()); ++count)
-        others.emplace_back(work);
+    try {
+        for (std::size_t count = 1; count < std::min<std::size_t>(threads, tasks.size()); ++count)
+            others.emplace_back(work);
+    } catch (const std::system_error&) {
+        // The system has no more threads: those that there are do the work.
+    }
     work();
     for (std::thread& thread : others)
         thread.join();

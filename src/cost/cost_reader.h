@@ -3,7 +3,8 @@
 #include "cost/cost_cache.h"
 #include "cost/cost_files.h"
 #include "cost/line_search.h"
-#include "cost/session_usage.h"
+#include "cost/session_cost.h"
+#include "cost/transcript_usage_reader.h"
 #include "foundation/date.h"
 #include "foundation/skip_tally.h"
 
@@ -35,7 +36,7 @@ struct CostTask {
 /// What a session's files told, and which files as they were.
 struct CostReading {
     std::string sessionId;
-    SessionUsage usage;
+    SessionCost cost;
     std::vector<std::pair<std::string, FileStamp>> files;
     SkipTally skipped;
 };
@@ -47,7 +48,8 @@ public:
         : calendar(givenCalendar), control(givenControl) {}
 
     /// Only the first `limit` requests of the session's own file count; with a limit its subagents
-    /// are left out. Nothing where no file of its own could be read, or the scan is stopping.
+    /// are left out. Nothing where no file of its own could be read, or the scan is stopping. A
+    /// Codex session without an id has no meta line yet.
     std::optional<CostReading> read(const CostTask& task, std::size_t limit = allRequests);
 
 private:

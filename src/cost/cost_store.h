@@ -14,6 +14,8 @@
 
 namespace fleetwise {
 
+class CostScan;
+
 /// Knows of every agent session on the machine how many tokens of which kind each model used and
 /// what the agent billed. It reads a file again only where its size or modification time changed,
 /// and keeps what it knows in a cache file. Any thread.
@@ -83,15 +85,15 @@ public:
     std::optional<Prices::Verdict> priceVerdict(const Prices::Book& book = Prices::current()) const;
 
 private:
-    class Pass;
-
     void load(Date now);
+    void adopt(CostScan& scan);
 
     const Places places;
     const Calendar calendar;
     const unsigned threads;
     CostScanControl control;
 
+    std::mutex writer;  ///< held while the cache file is written, and taken before `lock`
     mutable std::mutex lock;
     CostCache store;                                ///< files; guarded by `lock`, as all below
     std::shared_ptr<const SessionCosts> published;  ///< its sessions

@@ -6,16 +6,17 @@ namespace fleetwise {
 
 namespace {
 
-constexpr std::size_t longestDescent = 1000;  ///< more is a circle
-
-const Lineage* shorter(const Lineage* left, const Lineage* right) {
-    if (left == nullptr || right == nullptr) return left == nullptr ? right : left;
-    return left->inheritedRequests <= right->inheritedRequests ? left : right;
-}
-
-bool isLonger(const Lineage* left, const Lineage* right) {
-    return left != nullptr &&
-           (right == nullptr || left->inheritedRequests > right->inheritedRequests);
+CostFigures figuresWithout(const SessionCost& session, const Beginning& past,
+                           const Prices::Book& book) {
+    const CostFigures whole = session.figures(book);
+    CostFigures figures = figuresOf((session.usage - past.usage).byModel, book);
+    figures.billed = whole.billed;
+    if (!whole.billed.usd) return figures;
+    const auto priced = figuresOf(past.usage.byModel, book).api.usd;
+    const bool isBilled = !whole.billed.isEstimated && past.billedUSD;
+    const double less = (isBilled ? past.billedUSD : priced).value_or(0);
+    figures.billed.usd = std::max(0.0, *whole.billed.usd - less);
+    return figures;
 }
 
 ModelSlices slicesOf(const ModelTallies& tallies) {
@@ -25,83 +26,78 @@ ModelSlices slicesOf(const ModelTallies& tallies) {
     return slices;
 }
 
-ModelTallies talliesOf(const Usage& usage, std::string_view day) {
+/// Calls `visit(model, tally)` for what was used on the day.
+template <typename Visit>
+void forEachTally(const Usage& usage, std::string_view day, Visit&& visit) {
     const auto found = usage.days.find(day);
-    return found == usage.days.end() ? ModelTallies() : found->second;
+    if (found == usage.days.end()) return;
+    for (const auto& [model, tally] : found->second)
+        visit(model, tally);
 }
 
 }  // namespace
 
-std::vector<CostSum::Ancestor> CostSum::descentOf(const std::string& id) const {
-    std::vector<Ancestor> descent;
-    const Lineage* shortest = nullptr;
-    for (auto found = sessions.find(id); found != sessions.end() && descent.size() < longestDescent;
-         found = sessions.find(*found->second->lineage->parent)) {
-        descent.push_back({&found->first, shortest});
-        const auto& lineage = found->second->lineage;
-        if (!lineage || !lineage->parent) break;
-        shortest = shorter(shortest, &*lineage);
+CostSum::CostSum(std::shared_ptr<const SessionCosts> givenSessions)
+    : sessions(std::move(givenSessions)) {
+    for (const auto& [id, session] : *sessions) {
+        for (const Beginning& beginning : session->beginnings)
+            beginnings[{session->family, beginning.requests, beginning.end}] = &beginning;
     }
-    return descent;
 }
 
-const Lineage* CostSum::commonPast(const std::string& id, const std::string& other) const {
-    const std::vector<Ancestor> descent = descentOf(id);
-    for (const Ancestor& theirs : descentOf(other)) {
-        const auto met = std::ranges::find_if(
-            descent, [&](const Ancestor& ours) { return *ours.id == *theirs.id; });
-        if (met != descent.end()) return shorter(met->shortest, theirs.shortest);
+const Beginning* CostSum::shared(const SessionCost& session, const SessionCost& before) const {
+    if (session.family.empty() || session.family != before.family) return nullptr;
+    const std::size_t requests = session.trail.commonPast(before.trail);
+    if (requests == 0) return nullptr;
+    const auto found = beginnings.find({session.family, requests, session.trail.end(requests)});
+    return found == beginnings.end() ? nullptr : found->second;
+}
+
+template <typename Visit>
+void CostSum::forEachOnce(Members members, Visit&& visit) const {
+    std::ranges::sort(members, [](const SessionCost* left, const SessionCost* right) {
+        const auto order = left->family <=> right->family;
+        return order == 0 ? left->trail < right->trail : order < 0;
+    });
+    const SessionCost* before = nullptr;
+    for (const SessionCost* session : members) {
+        visit(*session, before == nullptr ? nullptr : shared(*session, *before));
+        before = session;
     }
-    return nullptr;
 }
 
-CostFigures CostSum::figuresWithout(const SessionCost& session, const Lineage& past) const {
-    const CostFigures whole = session.figures(book);
-    CostFigures figures = figuresOf((session.usage - past.inherited).byModel, book);
-    figures.billed = whole.billed;
-    if (!whole.billed.usd) return figures;
-    const auto copied = figuresOf(past.inherited.byModel, book).api.usd;
-    const auto less = whole.billed.isEstimated  ? copied
-                      : past.inheritedBilledUSD ? past.inheritedBilledUSD
-                                                : copied;
-    figures.billed.usd = std::max(0.0, *whole.billed.usd - less.value_or(0));
-    return figures;
-}
-
-CostFigures CostSum::of(const std::vector<std::string>& ids) const {
-    CostFigures sum;
-    std::map<std::string, std::vector<const std::string*>> families;
+CostFigures CostSum::of(const std::vector<std::string>& ids, const Prices::Book& book) const {
+    Members members;
     for (const std::string& id : ids) {
-        const auto found = sessions.find(id);
-        if (found == sessions.end()) continue;
-        const SessionCost& session = *found->second;
-        const Lineage* past = nullptr;
-        if (session.lineage) {
-            auto& relatives = families[session.lineage->family];
-            if (std::ranges::any_of(relatives, [&](const auto* other) { return *other == id; })) {
-                continue;
-            }
-            for (const std::string* other : relatives) {
-                const Lineage* common = commonPast(id, *other);
-                if (isLonger(common, past)) past = common;
-            }
-            relatives.push_back(&found->first);
-        }
-        sum += past == nullptr ? session.figures(book) : figuresWithout(session, *past);
+        const auto found = sessions->find(id);
+        if (found != sessions->end()) members.push_back(found->second.get());
     }
+    std::ranges::sort(members);
+    members.erase(std::unique(members.begin(), members.end()), members.end());
+    CostFigures sum;
+    forEachOnce(std::move(members), [&](const SessionCost& session, const Beginning* past) {
+        sum += past == nullptr ? session.figures(book) : figuresWithout(session, *past, book);
+    });
     return sum;
 }
 
-CostFigures CostSum::ofDay(std::string_view day) const {
+CostFigures CostSum::ofDay(std::string_view day, const Prices::Book& book) const {
+    Members members;
+    for (const auto& [id, session] : *sessions)
+        members.push_back(session.get());
     ModelTallies sum;
-    for (const auto& [id, session] : sessions) {
-        for (const auto& [model, tally] : talliesOf(session->usage, day))
-            sum[model] += tally;
-        const auto& lineage = session->lineage;
-        if (!lineage || !lineage->parent || !sessions.contains(*lineage->parent)) continue;
-        for (const auto& [model, tally] : talliesOf(lineage->inherited, day))
+    forEachOnce(std::move(members), [&](const SessionCost& session, const Beginning* past) {
+        forEachTally(session.usage, day,
+                     [&](const auto& model, const auto& tally) { sum[model] += tally; });
+        if (past == nullptr) return;
+        forEachTally(past->usage, day, [&](const auto& model, const auto& tally) {
             sum[model] = sum[model] - tally;
-    }
+        });
+    });
+    // Sessions whose files are gone may still be told by the days of another time zone.
+    for (auto& [model, tally] : sum)
+        tally = tally.combined(
+            {}, [](std::int64_t count, std::int64_t) { return std::max<std::int64_t>(count, 0); });
     CostFigures figures = figuresOf(slicesOf(sum), book);
     figures.billed = figures.api;
     figures.billed.isEstimated = figures.api.usd.has_value();

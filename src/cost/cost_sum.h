@@ -2,8 +2,12 @@
 
 #include "cost/session_cost.h"
 
+#include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace fleetwise {
@@ -11,31 +15,28 @@ namespace fleetwise {
 /// Sums over several sessions, in which requests that forks have copied from each other count once.
 class CostSum {
 public:
-    /// Both outlive this.
-    CostSum(const SessionCosts& givenSessions, const Prices::Book& givenBook)
-        : sessions(givenSessions), book(givenBook) {}
+    explicit CostSum(std::shared_ptr<const SessionCosts> givenSessions);
 
     /// Over the sessions with these ids, each once; unknown ones count for nothing.
-    CostFigures of(const std::vector<std::string>& ids) const;
+    CostFigures of(const std::vector<std::string>& ids, const Prices::Book& book) const;
 
     /// What all sessions used on one day of the calendar, "2026-11-21". Agents do not bill by the
     /// day, so `billed` is an estimate by the price book.
-    CostFigures ofDay(std::string_view day) const;
+    CostFigures ofDay(std::string_view day, const Prices::Book& book) const;
 
 private:
-    /// What stands between a session and one it descends from.
-    struct Ancestor {
-        const std::string* id = nullptr;
-        const Lineage* shortest = nullptr;  ///< the least that was passed on; nothing for itself
-    };
+    /// A family, and which of its first requests.
+    using Past = std::tuple<std::string_view, std::size_t, std::uint32_t>;
+    using Members = std::vector<const SessionCost*>;
 
-    std::vector<Ancestor> descentOf(const std::string& id) const;
-    /// The lineage that holds what the two have in common; nothing where that is nothing.
-    const Lineage* commonPast(const std::string& id, const std::string& other) const;
-    CostFigures figuresWithout(const SessionCost& session, const Lineage& past) const;
+    /// Calls `visit(session, beginning)` for each of the sessions, which are sorted for it, with
+    /// what it shares with one visited before; nullptr where that is nothing, or is not known.
+    template <typename Visit>
+    void forEachOnce(Members members, Visit&& visit) const;
+    const Beginning* shared(const SessionCost& session, const SessionCost& before) const;
 
-    const SessionCosts& sessions;
-    const Prices::Book& book;
+    std::shared_ptr<const SessionCosts> sessions;
+    std::map<Past, const Beginning*> beginnings;
 };
 
 }  // namespace fleetwise

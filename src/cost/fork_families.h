@@ -1,57 +1,46 @@
 #pragma once
 
 #include "cost/session_cost.h"
-#include "cost/session_usage.h"
 
-#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace fleetwise {
 
-/// Finds out which sessions begin with copies of others' requests: forks, and forks of forks. Those
-/// that begin with the same request are a family; how far two of them agree is their common past.
+/// The sessions that begin with the same request: a session, its forks, and forks of forks. Sorted
+/// by their trails, those that have most in common stand side by side, and each new request of the
+/// family is counted once when every session leaves out what it shares with the one before it.
 class ForkFamilies {
 public:
-    /// The requests that sessions told in this scan, by session id.
-    using Fresh = std::map<std::string, SessionUsage, std::less<>>;
-
-    /// Reads the first requests of a session anew, as many as are given; nothing where its file is
-    /// gone.
+    /// Reads the first requests of a session anew, as many as are given; nothing where that cannot
+    /// be done.
     using ReadAgain =
-        std::function<std::optional<SessionUsage>(const std::string& id, std::size_t requests)>;
+        std::function<std::optional<SessionCost>(const std::string& id, std::size_t requests)>;
 
-    ForkFamilies(SessionCosts& givenSessions, const Fresh& givenFresh, ReadAgain givenReadAgain)
-        : sessions(givenSessions), fresh(givenFresh), readAgain(std::move(givenReadAgain)) {}
+    explicit ForkFamilies(SessionCosts& givenSessions) : sessions(givenSessions) {}
 
-    /// Brings the lineages of the sessions up to date. Those read in this scan still have what was
-    /// known of them before. A family is measured again only where that can tell something new.
-    /// Gives the ids for which that is still to be done, since the scan is stopping.
-    std::vector<std::string> update(const std::atomic<bool>& isStopping);
+    /// Has every beginning that two sessions share stand with one of them, as far as a file that
+    /// tells it can be read. Whether anything was added.
+    bool complete(const ReadAgain& readAgain);
 
 private:
-    struct Member;
-    using Families = std::map<std::string, std::vector<std::string>>;
+    /// How many requests, and which.
+    using Past = std::pair<std::size_t, std::uint32_t>;
+    using Members = std::vector<SessionCosts::iterator>;
 
-    std::string familyOf(const std::string& id) const;
-    /// The families of several of which one may have another past than is known. All others are
-    /// brought up to date.
-    Families unsettledFamilies();
-    bool isSettled(const std::string& id, const std::string& family) const;
-    void noteRequests(const std::string& id, const std::string& family);
-    void measure(const std::string& family, const std::vector<std::string>& ids);
-    std::vector<Member> membersOf(const std::vector<std::string>& ids) const;
-    void setLineage(const Member& member, Lineage lineage);
-    void inherit(const Member& member, Lineage& lineage) const;
+    void nameCodexFamilies();
+    std::string codexRoot(const std::string& id) const;
+    void complete(Members members, const ReadAgain& readAgain);
+    bool adopt(SessionCosts::iterator member, std::size_t requests, const ReadAgain& readAgain);
 
     SessionCosts& sessions;
-    const Fresh& fresh;
-    ReadAgain readAgain;
+    bool hasAdded = false;
 };
 
 }  // namespace fleetwise

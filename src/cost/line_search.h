@@ -78,7 +78,8 @@ private:
             begin = lineBegin(text, begin, place);
             const std::size_t end = text.find('\n', place);
             if (end == std::string_view::npos && !isLast) break;
-            if (visit(text.substr(begin, end - begin)) == Going::stop) return Going::stop;
+            const std::string_view line = text.substr(begin, end - begin);
+            if (line.size() <= longestLine && visit(line) == Going::stop) return Going::stop;
             if (end == std::string_view::npos) break;
             place = search.find(text, end + 1);
             begin = end + 1;

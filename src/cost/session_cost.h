@@ -2,9 +2,11 @@
 
 #include "cost/cost_figures.h"
 #include "cost/prices.h"
+#include "cost/request_trail.h"
 #include "cost/usage.h"
 #include "session/session_agent.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -18,21 +20,15 @@ namespace fleetwise {
 /// What the agent reports to have billed for one model.
 using BilledSlice = Prices::BilledModel;
 
-/// A session that begins with a copy of another's requests, or that another began as.
-struct Lineage {
-    /// The same for all that begin alike: of Claude Code the key of the first request, of Codex the
-    /// thread that the first of them is.
-    std::string family;
-    std::int64_t requests = 0;  ///< of the session's own file
-    std::int64_t shared = 0;    ///< the longest beginning that it has in common with a relative
+/// What a session's first requests used: those that another session made as well, since one of the
+/// two was forked from the other.
+struct Beginning {
+    std::size_t requests = 0;
+    std::uint32_t end = 0;  ///< RequestTrail::end of them
+    Usage usage;
+    std::optional<double> billedUSD;  ///< by the report among them
 
-    /// The relative that this one is taken to be a copy of, with what both begin with.
-    std::optional<std::string> parent;
-    std::int64_t inheritedRequests = 0;
-    Usage inherited;
-    std::optional<double> inheritedBilledUSD;  ///< billed by the report within the copy
-
-    bool operator==(const Lineage&) const = default;
+    bool operator==(const Beginning&) const = default;
 };
 
 /// What one session used, and what its agent says that it cost.
@@ -43,8 +39,13 @@ struct SessionCost {
     std::vector<BilledSlice> billedModels;  ///< the report by model, ascending by id
     std::optional<std::string> lastModel;   ///< of the latest request
     std::optional<std::string> lastEffort;
-    std::optional<Lineage> lineage;        ///< absent where no request has a key
     std::optional<std::string> startedBy;  ///< of Codex: the thread this is a fork or subagent of
+
+    /// The same for all sessions that may have begun as one; empty where no request has a key. Of
+    /// Claude Code it is the first request's key.
+    std::string family;
+    RequestTrail trail;  ///< of the session's own file
+    std::vector<Beginning> beginnings;
 
     bool operator==(const SessionCost&) const = default;
 

@@ -1,8 +1,8 @@
 #include "monitor/fleet_costs.h"
 
-#include "cost/cost_sum.h"
-
 #include <algorithm>
+#include <set>
+#include <string_view>
 #include <utility>
 
 namespace fleetwise {
@@ -16,7 +16,8 @@ constexpr Seconds progressInterval{0.25};
 FleetCosts::FleetCosts(Environment givenEnvironment)
     : environment(std::move(givenEnvironment)),
       book(Prices::current()),
-      sessions(environment.store.sessions()) {}
+      sessions(environment.store.sessions()),
+      sum(sessions) {}
 
 FleetCosts::~FleetCosts() = default;
 
@@ -51,7 +52,8 @@ void FleetCosts::finishScan(const CostStore::Scan& scan) {
     isScanning = false;
     ended = environment.loop.now();
     const Seconds taken = std::max(Seconds(0), ended - begun);
-    nextScan = ended + std::max(shortestRest, taken * restPerWork);
+    // A machine that slept has not worked.
+    nextScan = ended + std::clamp(taken * restPerWork, shortestRest, longestRest);
     progressTimer.reset();
     if (std::exchange(shownProgress, std::nullopt)) environment.progressChanged();
     const bool isFirst = environment.store.sessions() != sessions;
@@ -62,6 +64,7 @@ void FleetCosts::finishScan(const CostStore::Scan& scan) {
 
 void FleetCosts::adoptSessions() {
     sessions = environment.store.sessions();
+    sum = CostSum(sessions);
     offspring.clear();
     for (const auto& [id, session] : *sessions) {
         if (session->startedBy) offspring.emplace(*session->startedBy, id);
@@ -86,18 +89,20 @@ void FleetCosts::setPriceBook(Prices::Book newBook) {
 
 CostFigures FleetCosts::figures(const std::vector<std::string>& ids) const {
     std::vector<std::string> all = ids;
-    // Grows while it is walked over: threads start threads. A circle ends at the number of all.
-    for (std::size_t index = 0; index < all.size() && all.size() <= sessions->size(); ++index) {
+    std::set<std::string_view> started;
+    // Grows while it is walked over: threads start threads.
+    for (std::size_t index = 0; index < all.size() && !offspring.empty(); ++index) {
         const auto [begin, end] = offspring.equal_range(all[index]);
-        for (auto thread = begin; thread != end; ++thread)
-            all.push_back(thread->second);
+        for (auto thread = begin; thread != end; ++thread) {
+            if (started.insert(thread->second).second) all.push_back(thread->second);
+        }
     }
-    return CostSum(*sessions, book).of(all);
+    return sum.of(all, book);
 }
 
 CostFigures FleetCosts::figuresOfToday() const {
     const std::string today = formatDate(environment.loop.now(), environment.calendar, "%F");
-    return CostSum(*sessions, book).ofDay(today);
+    return sum.ofDay(today, book);
 }
 
 std::shared_ptr<const SessionCost> FleetCosts::cost(const std::string& id) const {

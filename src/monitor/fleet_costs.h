@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cost/cost_store.h"
+#include "cost/cost_sum.h"
 #include "foundation/main_loop.h"
 
 #include <functional>
@@ -26,7 +27,7 @@ public:
 
     /// How long costs may be out of date where nobody says that something has happened.
     static constexpr Seconds longestRest{60};
-    /// Between two scans at least, and longer after a long one: twenty times its length.
+    /// Between two scans at least, and up to longestRest after a long one: twenty times its length.
     static constexpr Seconds shortestRest{5};
     static constexpr double restPerWork = 20;
     /// From this length on a scan tells its progress.
@@ -72,6 +73,7 @@ private:
     Environment environment;
     Prices::Book book;
     std::shared_ptr<const SessionCosts> sessions;
+    CostSum sum;                                        ///< over them
     std::multimap<std::string, std::string> offspring;  ///< Codex thread to those it started
     std::optional<Prices::Verdict> verdict;
     std::optional<CostStore::Progress> shownProgress;

@@ -62,21 +62,28 @@ TEST(Report, tellsMissingPricesAndWhatForksCopied) {
     SessionCost session{.billedUSD = 1.5};
     session.usage.byModel["claude-haiku-4-5"] = {.tally = {.input = 1'000'000}, .requests = 2};
     session.usage.byModel["claude-sonnet-5-5"] = {.tally = {.output = 7}, .requests = 1200};
-    session.lineage = Lineage{.parent = "4e39591d", .inheritedRequests = 2};
-    session.lineage->inherited.byModel["claude-haiku-4-5"].tally.input = 500'000;
-    session.lineage->inheritedBilledUSD = 0.5;
+    session.family = "1";
+    for (const char* request : {"1", "2", "3"})
+        session.trail.add(request);
+    SessionCosts all;
+    for (const char* id : {"fork", "4e39591d"}) {
+        SessionCost other{.family = "1"};
+        for (const char* request : {"1", *id == 'f' ? "9" : "2"})
+            other.trail.add(request);
+        all[id] = std::make_shared<SessionCost>(other);
+    }
     ReportBlock block;
-    addCosts(block, session, Prices::Book::builtIn());
+    addCosts(block, session, all, Prices::Book::builtIn());
     EXPECT_EQ(block.text,
               "    Kosten:      ≈ 1,50 $ + ? abgerechnet, 1,00 $ + ? API-Preis, 1,00 $ + ? ohne "
               "Cache\n"
               "    Tokens:      Eingabe 1.000.000, Ausgabe 7 (davon Denken 0), Cache gelesen 0, "
               "Cache geschrieben 0 (5 min 0, 1 h 0, unbekannt 0)\n"
               "    Anfragen:    1.202 – claude-sonnet-5-5 1.200, claude-haiku-4-5 2\n"
-              "    Ohne Preis:  claude-sonnet-5-5\n"
-              "    Geerbt:      2 Anfragen, 500.000 Tokens, 0,50 $ abgerechnet, von 4e39591d\n");
+              "    Gemeinsam:   2 Anfragen mit 4e39591d, in Summen einmal gezählt\n"
+              "    Ohne Preis:  claude-sonnet-5-5\n");
     ReportBlock unused;
-    addCosts(unused, {}, Prices::Book::builtIn());
+    addCosts(unused, {}, {}, Prices::Book::builtIn());
     EXPECT_EQ(unused.text, "");
 }
 

@@ -72,8 +72,12 @@ std::vector<std::string> idsOf(const SessionCosts& sessions) {
     return ids;
 }
 
+CostSum sumOf(const SessionCosts& sessions) {
+    return CostSum(std::make_shared<SessionCosts>(sessions));
+}
+
 TokenTally total(const SessionCosts& sessions, const std::vector<std::string>& ids) {
-    return CostSum(sessions, Prices::Book::builtIn()).of(ids).tally;
+    return sumOf(sessions).of(ids, Prices::Book::builtIn()).tally;
 }
 
 TEST(CostStore, readsOnlyWhatHasChanged) {
@@ -223,7 +227,7 @@ TEST(CostStore, countsWhatForksCopiedOnceInEveryCompany) {
             ASSERT_EQ(total(*store->sessions(), company).output, expected) << chosen;
         } while (std::ranges::next_permutation(company).found);
     }
-    const auto day = CostSum(*store->sessions(), Prices::Book::builtIn()).ofDay("2026-11-21");
+    const auto day = CostSum(store->sessions()).ofDay("2026-11-21", Prices::Book::builtIn());
     EXPECT_EQ(day.tally.output, 255);
 }
 
@@ -252,6 +256,14 @@ TEST(CostStore, growsAsItWouldStartAfresh) {
             home.write(chosen, texts[chosen]);
         }
         if (random() % 5 == 0) store = home.store();
+        if (random() % 7 == 0) {
+            // Written anew, as another branch of the same past.
+            std::string& text = texts[names[random() % names.size()]];
+            text =
+                text.substr(0, text.find('\n') + 1) + usageRecord(fmt::format("n{}", step), step);
+            for (const std::string& name : names)
+                home.write(name, texts[name]);
+        }
         store->refresh(home.now, true);
         const SessionCosts expected = home.fresh();
         ASSERT_EQ(tallies(*store->sessions()), tallies(expected)) << step;
@@ -262,7 +274,7 @@ TEST(CostStore, growsAsItWouldStartAfresh) {
             for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)
                 all.insert(text.substr(at, text.find('\n', at) - at));
         }
-        ASSERT_EQ(CostSum(expected, Prices::Book::builtIn()).of(idsOf(expected)).requests,
+        ASSERT_EQ(sumOf(expected).of(idsOf(expected), Prices::Book::builtIn()).requests,
                   std::ssize(all))
             << step;
     }

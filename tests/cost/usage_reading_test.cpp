@@ -1,7 +1,7 @@
 #include "cost/line_search.h"
-#include "cost/rollout_usage.h"
+#include "cost/rollout_usage_reader.h"
 #include "cost/transcript_lines.h"
-#include "cost/transcript_usage.h"
+#include "cost/transcript_usage_reader.h"
 #include "support/temporary_directory.h"
 #include "support/usage_samples.h"
 
@@ -18,32 +18,40 @@ const Calendar berlin = ::date::locate_zone("Europe/Berlin");
 
 /// What the lines of `text` that are searched for add up to.
 template <typename Reader, std::size_t Count, typename... Rest>
-SessionUsage readAll(Reader&& reader, const LineMarks<Count>& marks, const std::string& text,
-                     std::size_t block, Rest... rest) {
+SessionCost readAll(Reader&& reader, const LineMarks<Count>& marks, const std::string& text,
+                    std::size_t block, Rest... rest) {
     const MemoryBytes bytes(text);
     const auto done = LineSearch(block).forEachMarkedLine(
-        bytes, text.size(), marks, [&](std::string_view line) { return reader.add(line, rest...); },
+        bytes, text.size(), marks,
+        [&](std::string_view line) {
+            if constexpr (sizeof...(rest) > 0) {
+                return reader.add(line, rest...);
+            } else {
+                reader.add(line);
+                return LineSearch::Going::on;
+            }
+        },
         [](std::size_t) { return LineSearch::Going::on; });
     EXPECT_TRUE(done);
     return reader.finish();
 }
 
-SessionUsage readTranscript(const std::string& text, std::size_t block = LineSearch::defaultBlock,
-                            std::size_t limit = allRequests) {
-    return readAll(TranscriptUsage(berlin, limit), UsageLine::marks, text, block,
-                   TranscriptUsage::Writer::session);
+SessionCost readTranscript(const std::string& text, std::size_t block = LineSearch::defaultBlock,
+                           std::size_t limit = allRequests) {
+    return readAll(TranscriptUsageReader(berlin, limit), UsageLine::marks, text, block,
+                   TranscriptUsageReader::Writer::session);
 }
 
-SessionUsage readRollout(const std::string& text) {
-    return readAll(RolloutUsage(berlin), RolloutUsage::marks, text, LineSearch::defaultBlock);
+SessionCost readRollout(const std::string& text) {
+    return readAll(RolloutUsageReader(berlin), RolloutUsageReader::marks, text,
+                   LineSearch::defaultBlock);
 }
 
 TokenTally tallyOf(const std::string& usage) {
-    return readTranscript(R"({"type":"assistant","message":{"usage":)" + usage + "}}\n")
-        .cost.tally();
+    return readTranscript(R"({"type":"assistant","message":{"usage":)" + usage + "}}\n").tally();
 }
 
-TEST(TranscriptUsage, readsTheUsageOfAReply) {
+TEST(TranscriptUsageReader, readsTheUsageOfAReply) {
     struct Case {
         const char* name;
         std::string usage;
@@ -77,7 +85,7 @@ TEST(TranscriptUsage, readsTheUsageOfAReply) {
         EXPECT_EQ(tallyOf(test.usage), test.tally) << test.name;
 }
 
-TEST(TranscriptUsage, countsARequestOnceByItsFirstRecord) {
+TEST(TranscriptUsageReader, countsARequestOnceByItsFirstRecord) {
     const std::string text =
         usageRecord("a", 1) + usageRecord("a", 50) +
         R"({"type":"assistant","message":{"id":"m","usage":{"output_tokens":10}}})"
@@ -93,35 +101,35 @@ TEST(TranscriptUsage, countsARequestOnceByItsFirstRecord) {
         R"({"type":"user","requestId":"c","message":{"usage":{"output_tokens":1000}}})"
         "\n"
         R"({"type":"assistant","requestId":"d","message":{"usage":{"output_tokens":1000})";
-    const SessionUsage read = readTranscript(text);
-    EXPECT_EQ(read.cost.tally().output, 211);
-    EXPECT_EQ(read.cost.requests(), 4);
-    EXPECT_EQ(read.firstKey, "a");
+    const SessionCost read = readTranscript(text);
+    EXPECT_EQ(read.tally().output, 211);
+    EXPECT_EQ(read.requests(), 4);
+    EXPECT_EQ(read.family, "a");
 }
 
-TEST(TranscriptUsage, tellsModelsEffortsDaysAndTheLatest) {
+TEST(TranscriptUsageReader, tellsModelsEffortsDaysAndTheLatest) {
     const std::string haiku =
         R"({"type":"assistant","requestId":"3","effort":"high","timestamp":)"
         R"("2026-11-21T22:59:59.999Z","message":{"model":"claude-haiku-4-5","usage":)"
         R"({"output_tokens":4}}})"
         "\n";
-    const SessionUsage read =
+    const SessionCost read =
         readTranscript(usageRecord("1", 1, "claude-opus-5-5", "2026-11-20T23:00:00.000Z") +
                        usageRecord("2", 2, "", "no time") + haiku +
                        usageRecord("4", 8, "claude-opus-5-5", "2026-11-21T23:00:00Z"));
-    EXPECT_EQ(read.cost.usage.byModel.at("claude-opus-5-5").tally.output, 9);
-    EXPECT_EQ(read.cost.usage.byModel.at("claude-opus-5-5").requests, 2);
-    EXPECT_EQ(read.cost.usage.byModel.at("").tally.output, 2);
-    EXPECT_EQ(read.cost.usage.byModel.at("claude-haiku-4-5").efforts.at("high"), 1);
-    EXPECT_EQ(read.cost.usage.days.at("2026-11-21").at("claude-opus-5-5").output, 1);
-    EXPECT_EQ(read.cost.usage.days.at("2026-11-21").at("claude-haiku-4-5").output, 4);
-    EXPECT_EQ(read.cost.usage.days.at("2026-11-22").at("claude-opus-5-5").output, 8);
-    EXPECT_EQ(read.cost.lastModel, "claude-opus-5-5");
-    EXPECT_EQ(read.cost.lastEffort, "high");
+    EXPECT_EQ(read.usage.byModel.at("claude-opus-5-5").tally.output, 9);
+    EXPECT_EQ(read.usage.byModel.at("claude-opus-5-5").requests, 2);
+    EXPECT_EQ(read.usage.byModel.at("").tally.output, 2);
+    EXPECT_EQ(read.usage.byModel.at("claude-haiku-4-5").efforts.at("high"), 1);
+    EXPECT_EQ(read.usage.days.at("2026-11-21").at("claude-opus-5-5").output, 1);
+    EXPECT_EQ(read.usage.days.at("2026-11-21").at("claude-haiku-4-5").output, 4);
+    EXPECT_EQ(read.usage.days.at("2026-11-22").at("claude-opus-5-5").output, 8);
+    EXPECT_EQ(read.lastModel, "claude-opus-5-5");
+    EXPECT_EQ(read.lastEffort, "high");
 }
 
-TEST(TranscriptUsage, keepsTheLatestBill) {
-    const SessionUsage read = readTranscript(
+TEST(TranscriptUsageReader, keepsTheLatestBill) {
+    const SessionCost read = readTranscript(
         R"({"type":"cost-state","totalCostUSD":1,"modelUsage":{"x":{"costUSD":1}}})"
         "\n"
         R"({"type":"cost-state","totalCostUSD":2.5,"modelUsage":{"b":{"costUSD":2,"inputTokens":3,)"
@@ -130,26 +138,25 @@ TEST(TranscriptUsage, keepsTheLatestBill) {
         R"("huge":{"costUSD":1e999}}})"
         "\n"
         R"({"type":"cost-state","totalCostUSD":9)");
-    EXPECT_EQ(read.cost.billedUSD, 2.5);
+    EXPECT_EQ(read.billedUSD, 2.5);
     const BilledSlice other{"b", 3, 4, 5, 6, 7, 2};
-    EXPECT_THAT(read.cost.billedModels,
-                ElementsAre(BilledSlice{.model = "a", .costUSD = 0.5}, other));
+    EXPECT_THAT(read.billedModels, ElementsAre(BilledSlice{.model = "a", .costUSD = 0.5}, other));
 }
 
-TEST(TranscriptUsage, readsSubagentsIntoTheirSession) {
-    TranscriptUsage reader(berlin);
-    const auto add = [&](std::string line, TranscriptUsage::Writer writer) {
+TEST(TranscriptUsageReader, readsSubagentsIntoTheirSession) {
+    TranscriptUsageReader reader(berlin);
+    const auto add = [&](std::string line, TranscriptUsageReader::Writer writer) {
         reader.add(padded(std::move(line)), writer);
     };
-    add(usageRecord("1", 1), TranscriptUsage::Writer::session);
-    add(usageRecord("1", 1), TranscriptUsage::Writer::subagent);
-    add(usageRecord("2", 2, "claude-haiku-4-5"), TranscriptUsage::Writer::subagent);
-    add(R"({"type":"cost-state","totalCostUSD":1})", TranscriptUsage::Writer::subagent);
-    const SessionUsage read = reader.finish();
-    EXPECT_EQ(read.cost.tally().output, 3);
-    EXPECT_EQ(read.requests.size(), 1U);
-    EXPECT_EQ(read.cost.lastModel, "claude-opus-5-5");
-    EXPECT_FALSE(read.cost.billedUSD);
+    add(usageRecord("1", 1), TranscriptUsageReader::Writer::session);
+    add(usageRecord("1", 1), TranscriptUsageReader::Writer::subagent);
+    add(usageRecord("2", 2, "claude-haiku-4-5"), TranscriptUsageReader::Writer::subagent);
+    add(R"({"type":"cost-state","totalCostUSD":1})", TranscriptUsageReader::Writer::subagent);
+    const SessionCost read = reader.finish();
+    EXPECT_EQ(read.tally().output, 3);
+    EXPECT_EQ(read.trail.size(), 1U);
+    EXPECT_EQ(read.lastModel, "claude-opus-5-5");
+    EXPECT_FALSE(read.billedUSD);
 }
 
 TEST(LineSearch, findsTheSameInBlocksOfAnySize) {
@@ -161,13 +168,13 @@ TEST(LineSearch, findsTheSameInBlocksOfAnySize) {
         text += usageRecord(std::to_string(random() % 150), static_cast<int>(random() % 1000));
     }
     text.pop_back();
-    const SessionUsage whole = readTranscript(text, text.size());
-    EXPECT_GT(whole.cost.requests(), 100);
+    const SessionCost whole = readTranscript(text, text.size());
+    EXPECT_GT(whole.requests(), 100);
     for (const std::size_t block : {1, 2, 15, 16, 17, 64, 1000, 4096})
-        EXPECT_EQ(readTranscript(text, block).cost, whole.cost) << block;
-    const SessionUsage part = readTranscript(text, 100, 20);
-    EXPECT_EQ(part.cost.requests(), 20);
-    EXPECT_TRUE(std::equal(part.requests.begin(), part.requests.end(), whole.requests.begin()));
+        EXPECT_EQ(readTranscript(text, block), whole) << block;
+    const SessionCost part = readTranscript(text, 100, 20);
+    EXPECT_EQ(part.requests(), 20);
+    EXPECT_EQ(part.trail.commonPast(whole.trail), 20U);
 }
 
 TEST(LineSearch, findsAMarkWhereverItStands) {
@@ -190,7 +197,7 @@ TEST(LineSearch, passesOverALineThatIsTooLong) {
     text += R"(","output_tokens":1})"
             "\n" +
             usageRecord("1", 5);
-    EXPECT_EQ(readTranscript(text).cost.tally().output, 5);
+    EXPECT_EQ(readTranscript(text).tally().output, 5);
 }
 
 const std::string meta = R"({"type":"session_meta","payload":{"id":"thread","session_id":"x"}})"
@@ -199,7 +206,7 @@ const std::string context =
     R"({"type":"turn_context","payload":{"model":"gpt-5-codex","effort":"high"}})"
     "\n";
 
-TEST(RolloutUsage, readsTheRunningTotal) {
+TEST(RolloutUsageReader, readsTheRunningTotal) {
     struct Case {
         const char* name;
         std::string lines;
@@ -234,22 +241,22 @@ TEST(RolloutUsage, readsTheRunningTotal) {
          0},
     };
     for (const Case& test : cases) {
-        const SessionUsage read = readRollout(meta + test.lines);
-        EXPECT_EQ(read.cost.tally(), test.tally) << test.name;
-        EXPECT_EQ(read.cost.requests(), test.requests) << test.name;
+        const SessionCost read = readRollout(meta + test.lines);
+        EXPECT_EQ(read.tally(), test.tally) << test.name;
+        EXPECT_EQ(read.requests(), test.requests) << test.name;
     }
 }
 
-TEST(RolloutUsage, givesWhatATurnAddsToItsModel) {
+TEST(RolloutUsageReader, givesWhatATurnAddsToItsModel) {
     const std::string other = R"({"type":"turn_context","payload":{"model":"gpt-5-mini"}})"
                               "\n";
-    const SessionUsage read =
+    const SessionCost read =
         readRollout(meta + context + tokenCount(10, 0, 1) + other + tokenCount(15, 0, 3));
-    EXPECT_EQ(read.cost.usage.byModel.at("gpt-5-codex").tally.input, 10);
-    EXPECT_EQ(read.cost.usage.byModel.at("gpt-5-codex").efforts.at("high"), 1);
-    EXPECT_EQ(read.cost.usage.byModel.at("gpt-5-mini").tally.output, 2);
-    EXPECT_EQ(read.cost.usage.days.at("2026-11-21").at("gpt-5-mini").input, 5);
-    EXPECT_EQ(read.cost.lastModel, "gpt-5-mini");
+    EXPECT_EQ(read.usage.byModel.at("gpt-5-codex").tally.input, 10);
+    EXPECT_EQ(read.usage.byModel.at("gpt-5-codex").efforts.at("high"), 1);
+    EXPECT_EQ(read.usage.byModel.at("gpt-5-mini").tally.output, 2);
+    EXPECT_EQ(read.usage.days.at("2026-11-21").at("gpt-5-mini").input, 5);
+    EXPECT_EQ(read.lastModel, "gpt-5-mini");
 }
 
 }  // namespace

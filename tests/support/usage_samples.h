@@ -1,7 +1,5 @@
 #pragma once
 
-#include "cost/session_usage.h"
-
 #include <fmt/format.h>
 
 #include <string>

@@ -34,8 +34,8 @@ bool isWordCharacter(char character) {
 
 std::optional<Version::Identifier> Version::identifier(std::string_view text) {
     if (text.empty() || !std::all_of(text.begin(), text.end(), isWordCharacter)) return {};
-    if (const auto number = asNumber(text)) return Identifier{.number = *number};
-    return Identifier{.isWord = true, .word = std::string(text)};
+    if (const auto number = asNumber(text)) return *number;
+    return std::string(text);
 }
 
 std::optional<Version> Version::parse(std::string_view text) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace fleetwise {
@@ -20,14 +21,8 @@ public:
     auto operator<=>(const Version&) const = default;
 
 private:
-    /// A number comes before a word.
-    struct Identifier {
-        bool isWord = false;
-        std::uint32_t number = 0;
-        std::string word;
-
-        auto operator<=>(const Identifier&) const = default;
-    };
+    /// A number, which comes before every word, or a word.
+    using Identifier = std::variant<std::uint32_t, std::string>;
 
     static std::optional<Identifier> identifier(std::string_view text);
 

@@ -76,7 +76,7 @@ void addCosts(ReportBlock& block, const SessionCost& session, const SessionCosts
     block.line("Gemeinsam", sharedText(session, all));
     block.line("Ohne Preis", fmt::format("{}", fmt::join(figures.modelsWithoutPrice, ", ")));
     if (const auto verdict = session.priceVerdict(book))
-        block.line("Preise", verdictText(*verdict));
+        block.line("Preise", verdictText(*verdict, book));
 }
 
 }  // namespace fleetwise

@@ -37,7 +37,7 @@ void printLanguages(Output out, const Diagnostics& diagnostics) {
 void printPrices(Output out, const Diagnostics& diagnostics) {
     fmt::format_to(out, "Preise:    {}\n", printable(priceBookText(diagnostics.prices)));
     if (!diagnostics.priceVerdict) return;
-    const std::string verdict = verdictText(*diagnostics.priceVerdict);
+    const std::string verdict = verdictText(*diagnostics.priceVerdict, diagnostics.prices);
     if (!verdict.empty()) fmt::format_to(out, "           {}\n", printable(verdict));
 }
 

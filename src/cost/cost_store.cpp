@@ -116,14 +116,13 @@ std::shared_ptr<const CostStore::Session> CostStore::session(const std::string& 
 }
 
 std::optional<Prices::Verdict> CostStore::priceVerdict(const Prices::Book& book) const {
-    std::vector<BilledSlice> billed;
-    bool hasReport = false;
+    SessionCost all;
     for (const auto& [id, session] : *sessions()) {
-        hasReport = hasReport || session->billedUSD || !session->billedModels.empty();
-        billed.insert(billed.end(), session->billedModels.begin(), session->billedModels.end());
+        if (session->billedUSD) all.billedUSD = 0;
+        all.billedModels.insert(all.billedModels.end(), session->billedModels.begin(),
+                                session->billedModels.end());
     }
-    if (!hasReport) return {};
-    return Prices::verdict(billed, Prices::usualTolerance, book);
+    return all.priceVerdict(book);
 }
 
 }  // namespace fleetwise

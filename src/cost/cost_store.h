@@ -81,7 +81,8 @@ public:
     /// Nothing for a session that no scan has found.
     std::shared_ptr<const Session> session(const std::string& id) const;
 
-    /// How the reports of all sessions together compare with the book; nothing without any.
+    /// How the reports of all sessions together compare with the book, as SessionCost::priceVerdict
+    /// tells it.
     std::optional<Prices::Verdict> priceVerdict(const Prices::Book& book = Prices::current()) const;
 
 private:

@@ -116,8 +116,9 @@ std::string priceBookText(const Prices::Book& book) {
     return localisedFormat("Eingebaute Preisliste, Stand %@"_text, day);
 }
 
-std::string verdictText(const Prices::Verdict& verdict) {
+std::string verdictText(const Prices::Verdict& verdict, const Prices::Book& book) {
     using enum Prices::Verdict::Kind;
+    if (book.origin.kind == Prices::Origin::Kind::flat) return {};
     switch (verdict.kind) {
         case outdated:
             return deviationText(verdict.deviation);
@@ -140,7 +141,8 @@ std::string totalText(const CostFigures& figures, MoneyBasis basis, const Prices
     if (!money.usd && tokens == 0) return {};
     std::string text = localisedFormat("Summe %@ · %@ Tokens · %@"_text, costText(money),
                                        groupedNumber(tokens), priceBookText(book));
-    const bool isOutdated = verdict && verdict->kind == Prices::Verdict::Kind::outdated;
+    const bool isOutdated = book.origin.kind != Prices::Origin::Kind::flat && verdict &&
+                            verdict->kind == Prices::Verdict::Kind::outdated;
     return isOutdated ? text + " · " + localised("wohl veraltet"_text) : text;
 }
 

@@ -22,8 +22,9 @@ std::string costExplanation(const CostFigures& figures, MoneyBasis basis);
 /// Where the prices come from, and of which day they are.
 std::string priceBookText(const Prices::Book& book);
 
-/// What is wrong with the prices, in a sentence; empty where nothing is.
-std::string verdictText(const Prices::Verdict& verdict);
+/// What the verdict over a book says is wrong with its prices, in a sentence; empty where nothing
+/// is, and for a flat rate, which is no list that could be out of date.
+std::string verdictText(const Prices::Verdict& verdict, const Prices::Book& book);
 
 /// The amount that several sessions come to, the tokens and the price book, on one line that says
 /// so where the verdict finds the prices outdated. Empty where nothing was used.

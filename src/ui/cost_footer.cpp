@@ -50,7 +50,7 @@ void CostFooter::showTotal(MoneyBasis basis) {
     setText(qtText(totalText(figures, basis, monitor.priceBook(), verdict)));
     QStringList lines{qtText(costExplanation(figures, basis)),
                       qtText(priceBookText(monitor.priceBook()))};
-    if (verdict) lines << qtText(verdictText(*verdict));
+    if (verdict) lines << qtText(verdictText(*verdict, monitor.priceBook()));
     lines.removeAll(QString());
     setToolTip(lines.join(u'\n'));
 }

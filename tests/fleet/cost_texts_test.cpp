@@ -81,7 +81,8 @@ TEST(CostTexts, tellWhatIsWrongWithPrices) {
          "Mit der Abrechnung nicht vergleichbar (keine Tokens)."},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(verdictText(row.verdict), row.expected);
+        EXPECT_EQ(verdictText(row.verdict, Prices::Book::builtIn()), row.expected);
+    EXPECT_EQ(verdictText({.kind = outdated, .deviation = 1}, Prices::flatBook(1)), "");
 }
 
 TEST(CostTexts, sumUpOnOneLine) {

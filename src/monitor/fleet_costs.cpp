@@ -43,12 +43,12 @@ void FleetCosts::scan(bool includesCodex) {
          saving = isToSave ? CostStore::Saving::atOnce : CostStore::Saving::later] {
             return store.refresh(now, includesCodex, saving);
         },
-        [this, alive](const CostStore::Scan& done) {
-            if (!alive.expired()) finishScan(done);
+        [this, alive](const CostStore::Scan&) {
+            if (!alive.expired()) finishScan();
         });
 }
 
-void FleetCosts::finishScan(const CostStore::Scan& scan) {
+void FleetCosts::finishScan() {
     isScanning = false;
     ended = environment.loop.now();
     const Seconds taken = std::max(Seconds(0), ended - begun);
@@ -56,8 +56,7 @@ void FleetCosts::finishScan(const CostStore::Scan& scan) {
     nextScan = ended + std::clamp(taken * restPerWork, shortestRest, longestRest);
     progressTimer.reset();
     if (std::exchange(shownProgress, std::nullopt)) environment.progressChanged();
-    const bool isFirst = environment.store.sessions() != sessions;
-    if (!scan.hasChanged && !isFirst) return;
+    if (environment.store.sessions() == sessions) return;
     adoptSessions();
     environment.costsChanged();
 }

@@ -66,7 +66,7 @@ public:
 
 private:
     void scan(bool includesCodex);
-    void finishScan(const CostStore::Scan& scan);
+    void finishScan();
     void adoptSessions();
     void showProgress();
 

@@ -17,14 +17,9 @@ bool isTranscript(std::string_view name) {
     return name.size() > transcriptSuffix.size() && name.ends_with(transcriptSuffix);
 }
 
-/// The cache file names files in UTF-8.
-bool isWellFormedUtf8(std::string_view name) {
-    while (!name.empty()) {
-        const std::size_t length = utf8SequenceLength(name);
-        if (length == 0) return false;
-        name.remove_prefix(length);
-    }
-    return true;
+/// Whether the cache file, which is UTF-8, can name it.
+bool canBeNamed(std::string_view name) {
+    return wellFormedUtf8(name) == name;
 }
 
 std::string sessionOf(std::string_view transcriptName) {
@@ -39,7 +34,7 @@ FoundFile fileIn(const std::string& folder, DirectoryEntry& entry) {
 void addSubagents(const std::string& folder, CostFiles& files, SkipTally& skipped) {
     for (DirectoryEntry& entry : listDirectory(folder, transcriptSuffix)) {
         if (!entry.name.starts_with(subagentPrefix)) continue;
-        if (!isWellFormedUtf8(entry.name)) {
+        if (!canBeNamed(entry.name)) {
             ++skipped.malformed;
         } else if (entry.kind == FileKind::regular) {
             files.subagents.push_back(fileIn(folder, entry));
@@ -54,7 +49,7 @@ void addProject(const std::string& folder, std::map<std::string, CostFiles>& ses
     std::set<std::string> found;
     std::vector<std::string> foldersOfSessions;
     for (DirectoryEntry& entry : listDirectory(folder)) {
-        if (!isWellFormedUtf8(entry.name)) {
+        if (!canBeNamed(entry.name)) {
             ++skipped.malformed;
         } else if (entry.kind == FileKind::directory) {
             foldersOfSessions.push_back(std::move(entry.name));
@@ -92,7 +87,7 @@ std::map<std::string, CostFiles> claudeCostFiles(const std::string& projectsDire
                                                  SkipTally& skipped) {
     std::map<std::string, CostFiles> sessions;
     for (const DirectoryEntry& project : listDirectory(projectsDirectory)) {
-        if (project.kind != FileKind::directory || !isWellFormedUtf8(project.name)) continue;
+        if (project.kind != FileKind::directory || !canBeNamed(project.name)) continue;
         addProject(joinPath(projectsDirectory, project.name), sessions, skipped);
     }
     for (auto& [session, files] : sessions) {
@@ -107,7 +102,7 @@ std::vector<FoundFile> codexCostFiles(const std::string& codexDirectory, Date si
     auto files = findRegularFiles(joinPath(codexDirectory, "sessions"), "rollout-",
                                   {transcriptSuffix}, skipped);
     std::erase_if(files, [&](const FoundFile& file) {
-        return modificationDate(file.stamp) < since || !isWellFormedUtf8(file.path);
+        return modificationDate(file.stamp) < since || !canBeNamed(file.path);
     });
     sortByPath(files);
     return files;

@@ -6,7 +6,6 @@
 #include "foundation/date.h"
 #include "foundation/skip_tally.h"
 
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>

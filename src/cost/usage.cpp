@@ -28,21 +28,6 @@ void Usage::add(const Request& request) {
     if (!request.day.empty()) entry(entry(days, request.day), request.model) += request.tally;
 }
 
-Usage& Usage::operator+=(const Usage& other) {
-    for (const auto& [model, more] : other.byModel) {
-        ModelSlice& slice = byModel[model];
-        slice.tally += more.tally;
-        count(slice.requests, more.requests);
-        for (const auto& [effort, requests] : more.efforts)
-            count(slice.efforts[effort], requests);
-    }
-    for (const auto& [day, models] : other.days) {
-        for (const auto& [model, tally] : models)
-            days[day][model] += tally;
-    }
-    return *this;
-}
-
 TokenTally Usage::tally() const {
     TokenTally sum;
     for (const auto& [model, slice] : byModel)

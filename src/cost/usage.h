@@ -39,7 +39,6 @@ struct Usage {
     bool operator==(const Usage&) const = default;
 
     void add(const Request& request);
-    Usage& operator+=(const Usage& other);
 
     TokenTally tally() const;
     std::int64_t requests() const;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "foundation/json_surrogates.h"
-
 #include <simdjson.h>
 #include <tl/expected.hpp>
 
@@ -33,11 +31,9 @@ public:
     /// where the text is not one valid JSON object.
     template <typename Visit>
     bool readObject(std::string_view text, Visit&& visit) {
-        text = mended(text);
+        text = prepared(text);
         // A search for members leaves its bounds on invalid text, so that is found out before.
-        if (validator.parse(text.data(), text.size(), /*realloc_if_needed=*/false).error()) {
-            return false;
-        }
+        if (!isValid(text)) return false;
         simdjson::ondemand::document document;
         JsonObject object;
         if (!open(text, document, object)) return false;
@@ -50,32 +46,26 @@ public:
     /// object; `visit` may have run by then, so what it gathered counts only when this is true.
     template <typename Visit>
     bool walkObject(std::string_view text, Visit&& visit) {
-        text = mended(text);
+        text = prepared(text);
         simdjson::ondemand::document document;
         JsonObject object;
         if (!open(text, document, object)) return false;
         visit(object);
-        // Only a walk to the end tells a torn object from a whole one.
-        if (!document.is_alive() || object.reset().error() || object.raw_json().error()) {
-            return false;
-        }
-        return document.current_location().error() == simdjson::OUT_OF_BOUNDS;
+        return isWhole(document, object);
     }
 
 private:
-    bool open(std::string_view text, simdjson::ondemand::document& document, JsonObject& object) {
-        return !parser.iterate(text.data(), text.size(), text.size() + jsonPadding).get(document) &&
-               !document.get_object().get(object);
-    }
+    /// Begins to read the text; false where it does not begin like an object.
+    bool open(std::string_view text, simdjson::ondemand::document& document, JsonObject& object);
 
-    /// The text without halves of surrogate pairs, in `copy` where it had any.
-    std::string_view mended(std::string_view text) {
-        auto changed = withoutLoneSurrogates(text);
-        if (!changed) return text;
-        copy = *std::move(changed);
-        copy.reserve(copy.size() + jsonPadding);
-        return copy;
-    }
+    /// Whether the whole text is valid.
+    bool isValid(std::string_view text);
+
+    /// Whether the walk over the object ended at the end of the text.
+    static bool isWhole(simdjson::ondemand::document& document, JsonObject& object);
+
+    /// The text without halves of surrogate pairs and with its end told: itself, or in `copy`.
+    std::string_view prepared(std::string_view text);
 
     simdjson::ondemand::parser parser;
     simdjson::dom::parser validator;
@@ -120,5 +110,13 @@ template <typename T>
 std::optional<T> memberIfPresent(JsonObject& object, std::string_view key) {
     return readMember<T>(object, key).value_or(std::nullopt);
 }
+
+// Compiled once for all who read, since they take long; a build that optimises inlines them still.
+extern template tl::expected<std::optional<std::string_view>, JsonFault> readValue(JsonValue);
+extern template tl::expected<std::optional<std::int64_t>, JsonFault> readValue(JsonValue);
+extern template tl::expected<std::optional<double>, JsonFault> readValue(JsonValue);
+extern template tl::expected<std::optional<bool>, JsonFault> readValue(JsonValue);
+extern template tl::expected<std::optional<JsonObject>, JsonFault> readValue(JsonValue);
+extern template tl::expected<std::optional<JsonArray>, JsonFault> readValue(JsonValue);
 
 }  // namespace fleetwise

@@ -129,9 +129,7 @@ TEST(JsonReader, acceptsOneWholeObjectOnly) {
         {"not UTF-8", "{\"a\":\"\xff\"}", false},
         {"a thousand levels and more", std::string(5000, '[') + std::string(5000, ']'), false},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const std::string text = padded(row.text);
+    const auto expect = [](const auto& row, std::string_view text) {
         JsonReader reader;
         EXPECT_EQ(reader.readObject(text,
                                     [](JsonObject& object) {
@@ -149,6 +147,14 @@ TEST(JsonReader, acceptsOneWholeObjectOnly) {
                                         }
                                     }),
                   row.isObject);
+    };
+    for (const auto& row : rows) {
+        // What stands behind the text is none of it.
+        for (const char behind : {'\0', '\n', '}', ',', '"'}) {
+            SCOPED_TRACE(std::string(row.name) + " before " + behind);
+            const std::string text = row.text + std::string(jsonPadding, behind);
+            expect(row, std::string_view(text).substr(0, row.text.size()));
+        }
     }
 }
 

@@ -23,6 +23,43 @@ if(FLEETWISE_SANITIZE)
     target_link_options(fleetwise_flags INTERFACE ${sanitize})
 endif()
 
+# For builds that begin from nothing, as those of the sanitizers mostly do: the libraries' headers
+# are read once for all folders without Qt, once for each with it, and once for all tests.
+option(FLEETWISE_PRECOMPILE "Precompile the headers of the libraries" OFF)
+set(plainHeaders
+    <algorithm> <chrono> <functional> <map> <memory> <mutex> <optional> <set> <string> <string_view>
+    <unordered_map> <utility> <vector> <date/tz.h> <fmt/format.h> <tl/expected.hpp>)
+set(qtHeaders <QObject> <QString> <QTimer>)
+set(widgetHeaders <QApplication> <QPainter> <QWidget>)
+
+# fleetwise_precompile(TARGET WIDGETS|QT|PLAIN OWNER headers…): precompiles the libraries' headers
+# and these for TARGET. Without Qt it shares those of OWNER, another such target or itself.
+function(fleetwise_precompile target kind owner)
+    if(NOT FLEETWISE_PRECOMPILE)
+        return()
+    endif()
+    if(kind STREQUAL WIDGETS)
+        target_precompile_headers(${target} PRIVATE ${plainHeaders} ${qtHeaders} ${widgetHeaders}
+                                                    ${ARGN})
+    elseif(kind STREQUAL QT)
+        target_precompile_headers(${target} PRIVATE ${plainHeaders} ${qtHeaders} ${ARGN})
+    elseif(target STREQUAL owner)
+        target_precompile_headers(${target} PRIVATE ${plainHeaders} ${ARGN})
+    else()
+        target_precompile_headers(${target} REUSE_FROM ${owner})
+    endif()
+endfunction()
+
+# How much of Qt the folder `name` uses, as fleetwise_precompile wants it.
+function(fleetwise_kind variable name)
+    set(${variable} PLAIN PARENT_SCOPE)
+    if(name MATCHES "^(ui|app)$")
+        set(${variable} WIDGETS PARENT_SCOPE)
+    elseif(name STREQUAL platform)
+        set(${variable} QT PARENT_SCOPE)
+    endif()
+endfunction()
+
 # Sources of the folder `directory`; a file named *_linux.cpp or *_macos.cpp is built only there.
 function(fleetwise_sources variable directory)
     file(GLOB files CONFIGURE_DEPENDS ${directory}/*.cpp ${directory}/*.h)
@@ -52,6 +89,8 @@ function(fleetwise_layer name)
     endforeach()
     target_link_libraries(fleetwise_${name} PUBLIC ${ARGN} PRIVATE fleetwise_flags)
     target_include_directories(fleetwise_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    fleetwise_kind(kind ${name})
+    fleetwise_precompile(fleetwise_${name} ${kind} fleetwise_foundation)
 endfunction()
 
 # fleetwise_tests(NAME [libraries…]): the tests of the folder tests/NAME as one program.
@@ -61,6 +100,9 @@ function(fleetwise_tests name)
     target_link_libraries(${name}_tests PRIVATE fleetwise_flags fleetwise_test_support ${ARGN})
     # Tests are compiled far more often than they are run.
     target_compile_options(${name}_tests PRIVATE -O0)
+    fleetwise_kind(kind ${name})
+    fleetwise_precompile(${name}_tests ${kind} fleetwise_test_support <gmock/gmock.h>
+                         <gtest/gtest.h>)
     gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. PROPERTIES TIMEOUT 300
                          DISCOVERY_TIMEOUT 60)
 endfunction()

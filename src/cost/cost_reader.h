@@ -2,13 +2,13 @@
 
 #include "cost/cost_cache.h"
 #include "cost/cost_files.h"
+#include "cost/cost_scan_control.h"
 #include "cost/line_search.h"
 #include "cost/session_cost.h"
 #include "cost/transcript_usage_reader.h"
 #include "foundation/date.h"
 #include "foundation/skip_tally.h"
 
-#include <atomic>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -16,15 +16,6 @@
 #include <vector>
 
 namespace fleetwise {
-
-/// How far a scan has come, and whether it is to go on. Any thread.
-struct CostScanControl {
-    std::atomic<std::size_t> files = 0;  ///< to be read, as far as is known
-    std::atomic<std::size_t> filesDone = 0;
-    std::atomic<std::uint64_t> bytes = 0;
-    std::atomic<std::uint64_t> bytesDone = 0;
-    std::atomic<bool> isStopping = false;
-};
 
 /// A session whose files are to be read.
 struct CostTask {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cost/cost_cache.h"
-#include "cost/cost_reader.h"
+#include "cost/cost_scan_control.h"
 #include "cost/session_cost.h"
 #include "foundation/date.h"
 #include "foundation/skip_tally.h"

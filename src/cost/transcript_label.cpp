@@ -1,6 +1,7 @@
 #include "cost/transcript_label.h"
 
 #include "cost/prompt_text.h"
+#include "cost/transcript_record.h"
 #include "foundation/text.h"
 
 namespace fleetwise {

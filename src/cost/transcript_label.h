@@ -1,12 +1,13 @@
 #pragma once
 
-#include "cost/transcript_record.h"
-
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace fleetwise {
+
+class JsonReader;
+struct TranscriptRecord;
 
 /// How a session is called in a list.
 struct TranscriptLabel {

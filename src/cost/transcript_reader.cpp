@@ -2,6 +2,7 @@
 
 #include "cost/prompt_text.h"
 #include "cost/transcript_lines.h"
+#include "cost/transcript_reading_builder.h"
 #include "foundation/directory.h"
 #include "sources/paths.h"
 #include "sources/plain_file_name.h"

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "foundation/json_reader.h"
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,6 +7,8 @@
 #include <vector>
 
 namespace fleetwise {
+
+class JsonReader;
 
 /// Who sent a user record: "human", "task-notification", "peer" …
 struct TranscriptOrigin {

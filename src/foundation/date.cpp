@@ -113,4 +113,16 @@ std::string formatDate(Date date, Calendar calendar, const std::string& pattern)
     return date::format(pattern, date::make_zoned(calendar, floored<std::chrono::seconds>(date)));
 }
 
+date::local_days localDay(Date date, Calendar calendar) {
+    return date::floor<date::days>(calendar->to_local(floored<std::chrono::seconds>(date)));
+}
+
+std::string dayName(date::local_days day) {
+    return date::format("%F", day);
+}
+
+Date startOfDay(date::local_days day, Calendar calendar) {
+    return calendar->to_sys(day, date::choose::earliest);
+}
+
 }  // namespace fleetwise

@@ -44,4 +44,14 @@ std::string internetDate(Date date);
 /// "%d.%m.%Y %H:%M:%S".
 std::string formatDate(Date date, Calendar calendar, const std::string& pattern);
 
+/// The day of the calendar that `date` falls on.
+::date::local_days localDay(Date date, Calendar calendar);
+
+/// "2026-11-21".
+std::string dayName(::date::local_days day);
+
+/// When the day begins: where its midnight is skipped or comes twice, the first moment that is its
+/// own.
+Date startOfDay(::date::local_days day, Calendar calendar);
+
 }  // namespace fleetwise

@@ -64,4 +64,12 @@ std::string localisedPattern(Text text) {
     return fits ? translated->printfForm : german->printfForm;
 }
 
+std::string localisedWith(Text text, fmt::printf_args arguments) {
+    try {
+        return fmt::vsprintf(fmt::string_view(localisedPattern(text)), arguments);
+    } catch (const fmt::format_error&) {
+        return std::string(text.german);
+    }
+}
+
 }  // namespace fleetwise

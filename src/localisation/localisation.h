@@ -35,16 +35,16 @@ std::string localised(Text text);
 /// placeholders are not those of the German wording is passed over in favour of that.
 std::string localisedPattern(Text text);
 
+/// As localisedFormat, of arguments that fmt has gathered: written out here once, since what fills
+/// them in is long to compile.
+std::string localisedWith(Text text, fmt::printf_args arguments);
+
 /// As localised, with the placeholders filled in order: "%@" a text, "%d" a whole number, "%.1f" a
 /// figure, "%%" a per cent sign (TextPattern has the form). The arguments must fit the German
 /// wording; where they do not, it is returned as it stands.
 template <typename... Arguments>
 std::string localisedFormat(Text text, const Arguments&... arguments) {
-    try {
-        return fmt::sprintf(localisedPattern(text), arguments...);
-    } catch (const fmt::format_error&) {
-        return std::string(text.german);
-    }
+    return localisedWith(text, fmt::make_printf_args(arguments...));
 }
 
 }  // namespace fleetwise

@@ -6,17 +6,6 @@ namespace fleetwise {
 
 namespace {
 
-date::local_days localDay(Date date, Calendar calendar) {
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(date);
-    return date::floor<date::days>(calendar->to_local(seconds));
-}
-
-/// When the day begins: where its midnight is skipped or comes twice, the first moment that is
-/// its own.
-Date beginning(date::local_days day, Calendar calendar) {
-    return calendar->to_sys(day, date::choose::earliest);
-}
-
 /// How much of the episode lies between the two moments.
 Seconds overlap(const AttentionEpisode& episode, Date from, Date until) {
     return std::max(std::min(episode.ended, until) - std::max(episode.began, from), Seconds(0));
@@ -56,8 +45,8 @@ std::vector<AttentionLog::Day> AttentionLog::byDay(const std::vector<Episode>& e
     if (since > now) return days;
     const date::local_days last = localDay(now, calendar);
     for (date::local_days day = localDay(since, calendar); day <= last; day += date::days(1)) {
-        const Date from = std::max(since, beginning(day, calendar));
-        const Date until = std::min(now, beginning(day + date::days(1), calendar));
+        const Date from = std::max(since, startOfDay(day, calendar));
+        const Date until = std::min(now, startOfDay(day + date::days(1), calendar));
         Seconds waited{0};
         for (const Episode& episode : episodes)
             waited += overlap(episode, from, until);

@@ -2,7 +2,7 @@
 
 #include "cost/transcript_label.h"
 #include "cost/transcript_lines.h"
-#include "cost/transcript_reading.h"
+#include "cost/transcript_reading_builder.h"
 #include "support/temporary_directory.h"
 
 #include <string>

@@ -1,4 +1,4 @@
-#include "cost/transcript_reading.h"
+#include "cost/transcript_reading_builder.h"
 
 #include "cost/prompt_text.h"
 #include "cost/task_notification.h"

@@ -3,11 +3,14 @@
 #include "app/machine_sources.h"
 #include "cost/transcript_reader.h"
 #include "foundation/directory.h"
+#include "foundation/json.h"
+#include "foundation/regular_file.h"
 #include "foundation/user_defaults.h"
 #include "generator/generate.h"
 #include "monitor/settings.h"
 #include "sources/paths.h"
 #include "sources/status_store.h"
+#include "usage/usage_history_store.h"
 
 #include <benchmark/benchmark.h>
 
@@ -24,7 +27,7 @@ public:
     BenchHome() {
         folder = (std::filesystem::temp_directory_path() / "fleetwise-bench-XXXXXX").string();
         if (::mkdtemp(folder.data()) == nullptr) std::abort();
-        const generator::Plan plan{.sessions = 320, .megabytes = 100, .live = 20};
+        const generator::Plan plan{.sessions = 320, .megabytes = 100, .live = 20, .usageDays = 41};
         auto generated = generator::generate(plan, folder);
         if (!generated) std::abort();
         books = *std::move(generated);
@@ -126,6 +129,45 @@ void loadStatusFilesAnew(benchmark::State& state) {
     }
 }
 BENCHMARK(loadStatusFilesAnew);
+
+/// The first 10,000 points of the generated history, in a file of their own.
+std::string usageHistory() {
+    const std::string path = home().folder + "/plan-usage-history.json";
+    auto history = parseJson(readRegularFile(Paths::usageHistoryFile(), 1 << 24).value());
+    Json& samples = history.value().at("samples");
+    if (samples.size() < 10'000) std::abort();
+    samples.erase(samples.begin() + 10'000, samples.end());
+    std::ofstream(path) << encodeJson(*history);
+    return path;
+}
+
+void readUsageHistoryCold(benchmark::State& state) {
+    const std::string path = usageHistory();
+    for (auto _ : state) {
+        UsageHistoryStore store(path);
+        benchmark::DoNotOptimize(store.samples());
+    }
+}
+BENCHMARK(readUsageHistoryCold)->Unit(benchmark::kMicrosecond);
+
+void readUsageHistoryWarm(benchmark::State& state) {
+    UsageHistoryStore store(usageHistory());
+    store.samples();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(store.samples());
+}
+BENCHMARK(readUsageHistoryWarm)->Unit(benchmark::kMicrosecond);
+
+void deriveWindows(benchmark::State& state) {
+    const auto samples = UsageHistoryStore(usageHistory()).samples();
+    const Calendar calendar = currentCalendar();
+    const Date now = samples->back().date;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(UsageHistoryStore::fiveHourWindow(*samples, now, {}, calendar));
+        benchmark::DoNotOptimize(UsageHistoryStore::sevenDayWindow(*samples, now, calendar));
+    }
+}
+BENCHMARK(deriveWindows)->Unit(benchmark::kMicrosecond);
 
 void collectWarm(benchmark::State& state) {
     home();

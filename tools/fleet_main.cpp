@@ -29,6 +29,8 @@ constexpr std::string_view usage =
     "  --claude-forks N  forks of the Claude Code sessions, beyond --sessions and --megabytes (0)\n"
     "  --projects N    working directories (12)\n"
     "  --days D        how far back ended sessions reach (20 hours)\n"
+    "  --usage DAYS    how far back the desktop app's usage history reaches (0: there is none)\n"
+    "  --accounts N    accounts in the usage history (1)\n"
     "  --seed S        the same seed gives the same files (1)\n"
     "  --pid P         process that running sessions claim (1)\n"
     "  --now SECONDS   the present, in seconds since 1970 (the clock)\n";
@@ -55,6 +57,8 @@ bool readOption(std::string_view option, std::string_view value, Plan& plan) {
     if (option == "--claude-forks") return readNumber(value, plan.forkedSessions);
     if (option == "--projects") return readNumber(value, plan.projects);
     if (option == "--days") return readNumber(value, plan.days);
+    if (option == "--usage") return readNumber(value, plan.usageDays);
+    if (option == "--accounts") return readNumber(value, plan.accounts);
     if (option == "--seed") return readNumber(value, plan.seed);
     if (option == "--pid") return readNumber(value, plan.pid);
     if (option != "--now") return false;

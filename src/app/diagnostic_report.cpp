@@ -1,4 +1,5 @@
 #include "app/diagnostics.h"
+#include "app/quota_report.h"
 #include "app/session_report.h"
 #include "fleet/cost_texts.h"
 #include "foundation/text.h"
@@ -112,6 +113,7 @@ std::string diagnosticReport(const Diagnostics& diagnostics) {
     printDirectories(out, diagnostics);
     printLanguages(out, diagnostics);
     printPrices(out, diagnostics);
+    report += quotaReport(diagnostics);
     printTimings(out, diagnostics);
     printStalls(out, diagnostics);
     fmt::format_to(
@@ -122,6 +124,7 @@ std::string diagnosticReport(const Diagnostics& diagnostics) {
         report += '\n';
     }
     printSummary(out, diagnostics.collection.sessions);
+    report += codexQuotaReport(diagnostics);
     return report;
 }
 

@@ -4,6 +4,7 @@
 #include "cost/session_cost.h"
 #include "fleet/fleet_snapshot.h"
 #include "reactions/stall.h"
+#include "usage/usage_overview.h"
 
 #include <optional>
 #include <string>
@@ -38,6 +39,9 @@ struct Diagnostics {
     SessionCosts costs;
     Prices::Book prices = Prices::Book::builtIn();
     std::optional<Prices::Verdict> priceVerdict;  ///< of all sessions together
+
+    UsageOverview usage;
+    Json ownGoals = Json::object();  ///< the setting `ownGoals`
 };
 
 /// The report as it is printed. Its own words are German whatever the interface language, so that

@@ -51,9 +51,11 @@ public:
           termination(onTermination([] { QApplication::exit(); })) {}
 
     void start(const std::string& address) {
-        live.start([this](const std::string& version) {
-            interface.tell(shown("Fleetwise %@ ist erschienen."_text, version));
-        });
+        live.start(
+            [this](const std::string& version) {
+                interface.tell(shown("Fleetwise %@ ist erschienen."_text, version));
+            },
+            [this](const Notification& notification) { interface.show(notification); });
         interface.start();
         open(address);
     }

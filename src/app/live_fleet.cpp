@@ -3,6 +3,7 @@
 #include "app/feed_address.h"
 #include "app/hook_jobs.h"
 #include "app/program_version.h"
+#include "app/usage_places.h"
 #include "platform/dock_badge.h"
 #include "platform/host_window_focus.h"
 #include "sources/paths.h"
@@ -32,6 +33,8 @@ LiveFleet::LiveFleet(UserDefaults& defaults, Settings& givenSettings)
                  loop.post([this, book] { monitor.setPriceBook(book); });
              }),
       priceFeed(Paths::pricesFile(), prices),
+      usage(usagePlacesOfThisUser(), UsageHistoryStore::shared(), QuotaNotice::shared()),
+      notifier(notifications),
       attentionLog(Paths::attentionLogFile(), currentDate()),
       watchdog(Paths::stallsFile(), [this](auto action) { loop.post(std::move(action)); }),
       windows(makeWindowFocus()),
@@ -40,7 +43,9 @@ LiveFleet::LiveFleet(UserDefaults& defaults, Settings& givenSettings)
       download(programVersion()),
       feed(loop, download, priceFeed, feedAddress(settings), programVersion()) {}
 
-void LiveFleet::start(std::function<void(const std::string&)> newVersion) {
+void LiveFleet::start(std::function<void(const std::string&)> newVersion,
+                      InterfaceNotifications::Show show) {
+    notifications.setShow(std::move(show));
     monitor.start();
     prices.load();
     feed.start([this, newVersion = std::move(newVersion)] {
@@ -56,11 +61,15 @@ FleetMonitor::Environment LiveFleet::environment() {
         .collect = [this, sources = machine.sources()](
                        const FleetSnapshot::Input& input,
                        Date now) { return FleetSnapshot::collect(input, sources, shared, now); },
+        .collectUsage = [this](const UsageCollector::Input& input,
+                               Date now) { return usage.collect(input, now); },
         .hook = hookPlacesOfThisUser(),
         .sessionsDirectory = Paths::sessionsDir(),
         .ensureStateDirectories = ensureStateDirectories,
         .hosts = hosts,
         .costs = costs,
+        .notifier = notifier,
+        .waitingEpisodes = [this](Date since, Date now) { return waitingEpisodes(since, now); },
         .watchdog = watchdog,
         .reactions = {&attentionLog},
         .focus = [this](const Session& session) { return commands.focus(session); },
@@ -69,6 +78,13 @@ FleetMonitor::Environment LiveFleet::environment() {
         .calendar = currentCalendar(),
         .home = Paths::home(),
     };
+}
+
+std::vector<AttentionEpisode> LiveFleet::waitingEpisodes(Date since, Date now) {
+    auto episodes = attentionLog.episodes(since);
+    for (AttentionEpisode& open : attentionLog.openEpisodes(now))
+        episodes.push_back(std::move(open));
+    return episodes;
 }
 
 void LiveFleet::flush() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/interface_notifications.h"
 #include "app/machine_sources.h"
 #include "app/session_commands.h"
 #include "cost/price_feed.h"
@@ -14,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace fleetwise {
 
@@ -25,8 +27,10 @@ public:
     /// Both outlive this.
     LiveFleet(UserDefaults& defaults, Settings& settings);
 
-    /// Once. `newVersion` is called with each newer version of the program that the feed lists.
-    void start(std::function<void(const std::string&)> newVersion);
+    /// Once. `newVersion` is called with each newer version of the program that the feed lists,
+    /// `show` with what the user is to be notified of.
+    void start(std::function<void(const std::string&)> newVersion,
+               InterfaceNotifications::Show show);
 
     FleetMonitor& fleet() { return monitor; }
 
@@ -35,6 +39,7 @@ public:
 
 private:
     FleetMonitor::Environment environment();
+    std::vector<AttentionEpisode> waitingEpisodes(Date since, Date now);
 
     Settings& settings;
     MachineSources machine;
@@ -43,6 +48,9 @@ private:
     CostStore& costs;
     PriceSettings prices;
     PriceFeed priceFeed;
+    UsageCollector usage;
+    InterfaceNotifications notifications;
+    Notifier notifier;
     AttentionLog attentionLog;
     QtMainLoop loop;
     StallWatchdog watchdog;

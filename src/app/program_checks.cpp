@@ -13,6 +13,8 @@
 #include "session/session_error.h"
 #include "session/session_origin.h"
 #include "session/session_state.h"
+#include "usage/usage_history_store.h"
+#include "usage/window_reset_watch.h"
 
 #include <fmt/format.h>
 
@@ -163,6 +165,53 @@ CheckResult checkBase64() {
     return faults.result();
 }
 
+/// Two days of a history in which the five-hour window began anew an hour ago.
+UsageSamples builtInHistory(Date now) {
+    UsageSamples samples;
+    const auto add = [&](double minutesAgo, int fiveHour, int sevenDay) {
+        samples.push_back({.date = now - Seconds(minutesAgo * 60),
+                           .fiveHour = fiveHour,
+                           .sevenDay = sevenDay,
+                           .org = {},
+                           .extraUsage = {}});
+    };
+    add(2'880, 10, 20);
+    add(65, 60, 30);
+    add(60, 2, 30);
+    add(30, 10, 32);
+    add(0, 20, 34);
+    return samples;
+}
+
+CheckResult checkQuotaWindows() {
+    const Date now = dateFromSeconds(1'795'226'700);
+    const Calendar utc = ::date::locate_zone("Etc/UTC");
+    const UsageSamples samples = builtInHistory(now);
+    const auto fiveHour = UsageHistoryStore::fiveHourWindow(samples, now, {}, utc);
+    const auto sevenDay = UsageHistoryStore::sevenDayWindow(samples, now, utc);
+    if (!fiveHour || !sevenDay) return {.outcome = CheckOutcome::failed, .reason = "kein Fenster"};
+    Faults faults;
+    faults.expect(fiveHour->percent == 20 && sevenDay->percent == 34, "Prozent");
+    faults.expect(fiveHour->windowEndsAt == now + Seconds(4 * 3'600), "Ende");
+    faults.expect(fiveHour->ratePerHour == 18.0, "Anstieg");
+    faults.expect(!fiveHour->projection, "Hochrechnung vor zwei Stunden");
+    faults.expect(!sevenDay->resetsAt, "Rücksetzen ohne Rhythmus");
+    faults.expect(!fiveHour->isStale, "frischer Stand gilt als alt");
+    return faults.result();
+}
+
+CheckResult checkWindowReset() {
+    const Date now = dateFromSeconds(1'795'226'700);
+    const auto values = UsageHistoryStore::fiveHourValues(builtInHistory(now));
+    const QuotaValues before(values.begin(), values.begin() + 2);
+    WindowResetWatch watch;
+    Faults faults;
+    faults.expect(!watch.observe(before, {}, before.back().first), "erster Blick");
+    faults.expect(watch.observe(values, {}, now) == 60, "Rücksetzen nicht bemerkt");
+    faults.expect(!watch.observe(values, {}, now), "zweimal gemeldet");
+    return faults.result();
+}
+
 }  // namespace
 
 std::vector<Check> programChecks(const InterfaceTexts& texts, const std::string& temporaryFolder) {
@@ -178,6 +227,8 @@ std::vector<Check> programChecks(const InterfaceTexts& texts, const std::string&
         {"JSON", checkJson},
         {"SHA-256", [temporaryFolder] { return checkSha256(temporaryFolder); }},
         {"Base64", checkBase64},
+        {"Kontingentfenster", checkQuotaWindows},
+        {"Fenster zurückgesetzt", checkWindowReset},
     };
 }
 

@@ -3,6 +3,7 @@
 #include "app/diagnostics.h"
 #include "app/environment.h"
 #include "app/machine_sources.h"
+#include "app/usage_places.h"
 #include "cost/cost_store.h"
 #include "cost/price_settings.h"
 #include "fleet/remembered_hosts.h"
@@ -49,6 +50,17 @@ void collectCosts(Diagnostics& diagnostics, const Settings& settings, UserDefaul
     diagnostics.priceVerdict = store.priceVerdict(diagnostics.prices);
 }
 
+void collectUsage(Diagnostics& diagnostics, const Settings& settings) {
+    UsageCollector usage(usagePlacesOfThisUser(), UsageHistoryStore::shared(),
+                         QuotaNotice::shared());
+    diagnostics.ownGoals = settings.get(Settings::ownGoals);
+    diagnostics.usage = usage.collect({.accountNames = settings.get(Settings::accountNames),
+                                       .showsCodex = settings.get(Settings::showsCodex),
+                                       .book = diagnostics.prices,
+                                       .calendar = diagnostics.calendar},
+                                      diagnostics.now);
+}
+
 }  // namespace
 
 std::string runReport(UserDefaults& defaults, const LanguageChoice& language) {
@@ -74,6 +86,7 @@ std::string runReport(UserDefaults& defaults, const LanguageChoice& language) {
     diagnostics.language = language;
     collectFleet(diagnostics, settings);
     collectCosts(diagnostics, settings, defaults);
+    collectUsage(diagnostics, settings);
 
     HostAppMemory hosts(Paths::hostsFile(), defaults, diagnostics.now);
     fillRememberedHosts(diagnostics.collection.sessions, hosts.entries(diagnostics.now));

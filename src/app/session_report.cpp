@@ -1,6 +1,7 @@
 #include "app/session_report.h"
 
 #include "app/cost_report.h"
+#include "app/quota_report.h"
 #include "app/report_block.h"
 #include "foundation/text.h"
 #include "localisation/duration_format.h"
@@ -141,6 +142,7 @@ std::string sessionReport(const Session& session, const Diagnostics& diagnostics
         block.line("Überwacht",
                    fmt::format("{}, seit {}", watch.label, durationText(now - watch.since)));
     }
+    block.line("Ziel", goalReport(diagnostics, session.id));
     block.line("Verbund", session.federationId.value_or(std::string()));
     addStatistics(block, session);
     if (const auto found = diagnostics.costs.find(session.id); found != diagnostics.costs.end()) {

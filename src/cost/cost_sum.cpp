@@ -35,6 +35,14 @@ void forEachTally(const Usage& usage, std::string_view day, Visit&& visit) {
         visit(model, tally);
 }
 
+/// Sessions whose files are gone may still be told by the days of another time zone, so that more
+/// may be taken off a day than it has.
+void dropNegatives(ModelTallies& sum) {
+    for (auto& [model, tally] : sum)
+        tally = tally.combined(
+            {}, [](std::int64_t count, std::int64_t) { return std::max<std::int64_t>(count, 0); });
+}
+
 }  // namespace
 
 CostSum::CostSum(std::shared_ptr<const SessionCosts> givenSessions)
@@ -81,12 +89,17 @@ CostFigures CostSum::of(const std::vector<std::string>& ids, const Prices::Book&
     return sum;
 }
 
-CostFigures CostSum::ofDay(std::string_view day, const Prices::Book& book) const {
+template <typename Visit>
+void CostSum::forEachSessionOnce(Visit&& visit) const {
     Members members;
     for (const auto& [id, session] : *sessions)
         members.push_back(session.get());
+    forEachOnce(std::move(members), visit);
+}
+
+CostFigures CostSum::ofDay(std::string_view day, const Prices::Book& book) const {
     ModelTallies sum;
-    forEachOnce(std::move(members), [&](const SessionCost& session, const Beginning* past) {
+    forEachSessionOnce([&](const SessionCost& session, const Beginning* past) {
         forEachTally(session.usage, day,
                      [&](const auto& model, const auto& tally) { sum[model] += tally; });
         if (past == nullptr) return;
@@ -94,14 +107,29 @@ CostFigures CostSum::ofDay(std::string_view day, const Prices::Book& book) const
             sum[model] = sum[model] - tally;
         });
     });
-    // Sessions whose files are gone may still be told by the days of another time zone.
-    for (auto& [model, tally] : sum)
-        tally = tally.combined(
-            {}, [](std::int64_t count, std::int64_t) { return std::max<std::int64_t>(count, 0); });
+    dropNegatives(sum);
     CostFigures figures = figuresOf(slicesOf(sum), book);
     figures.billed = figures.api;
     figures.billed.isEstimated = figures.api.usd.has_value();
     return figures;
+}
+
+std::map<std::string, ModelTallies, std::less<>> CostSum::days() const {
+    std::map<std::string, ModelTallies, std::less<>> sum;
+    forEachSessionOnce([&](const SessionCost& session, const Beginning* past) {
+        for (const auto& [day, models] : session.usage.days) {
+            for (const auto& [model, tally] : models)
+                sum[day][model] += tally;
+        }
+        if (past == nullptr) return;
+        for (const auto& [day, models] : past->usage.days) {
+            for (const auto& [model, tally] : models)
+                sum[day][model] = sum[day][model] - tally;
+        }
+    });
+    for (auto& [day, models] : sum)
+        dropNegatives(models);
+    return sum;
 }
 
 }  // namespace fleetwise

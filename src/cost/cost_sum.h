@@ -24,6 +24,9 @@ public:
     /// day, so `billed` is an estimate by the price book.
     CostFigures ofDay(std::string_view day, const Prices::Book& book) const;
 
+    /// What all sessions used on each day of the calendar, by its name.
+    std::map<std::string, ModelTallies, std::less<>> days() const;
+
 private:
     /// A family, and which of its first requests.
     using Past = std::tuple<std::string_view, std::size_t, std::uint32_t>;
@@ -33,6 +36,9 @@ private:
     /// what it shares with one visited before; nullptr where that is nothing, or is not known.
     template <typename Visit>
     void forEachOnce(Members members, Visit&& visit) const;
+    /// As above, over all sessions.
+    template <typename Visit>
+    void forEachSessionOnce(Visit&& visit) const;
     const Beginning* shared(const SessionCost& session, const SessionCost& before) const;
 
     std::shared_ptr<const SessionCosts> sessions;

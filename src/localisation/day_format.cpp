@@ -38,4 +38,16 @@ std::string dayText(std::string_view isoDay) {
     return fmt::format("{}{}{}{}{}", day, separator, month, separator, year);
 }
 
+std::string shortDayText(std::string_view isoDay) {
+    if (!isDay(isoDay)) return std::string(isoDay);
+    const std::string_view month = isoDay.substr(5, 2);
+    const std::string_view day = isoDay.substr(8, 2);
+    const std::string language = interfaceLanguageInUse();
+    if (language == "en") {
+        return fmt::format("{} {}", englishMonths[twoDigits(month) - 1], twoDigits(day));
+    }
+    if (language == "de") return fmt::format("{}.{}.", day, month);
+    return fmt::format("{}{}{}", day, language == "pl" ? '.' : '/', month);
+}
+
 }  // namespace fleetwise

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <cstdlib>
 #include <string_view>
 
@@ -41,6 +42,24 @@ std::string fixedNumber(std::int64_t units, int decimals) {
     const std::string_view sign = units < 0 && units > -scale ? "-" : "";
     return fmt::format("{}{}{}{:0{}}", sign, groupedNumber(units / scale), separator, fraction,
                        decimals);
+}
+
+std::string shortNumber(std::int64_t count) {
+    constexpr std::int64_t thousand = 1'000;
+    constexpr std::int64_t hundred = 100;
+    if (count < thousand) return std::to_string(count);
+    constexpr std::array units{"%@ Tsd."_text, "%@ Mio."_text, "%@ Mrd."_text, "%@ Bio."_text};
+    std::size_t unit = 0;
+    // What would round up to 1000 of a unit is 1 of the next.
+    while (unit + 1 < units.size() && count >= thousand * thousand - thousand / 2) {
+        count = count / thousand + (count % thousand >= thousand / 2 ? 1 : 0);
+        ++unit;
+    }
+    const std::int64_t tenths = (count + hundred / 2) / hundred;
+    const bool isWhole = tenths % 10 == 0 || tenths >= thousand;
+    return localisedFormat(units.at(unit), isWhole
+                                               ? groupedNumber((count + thousand / 2) / thousand)
+                                               : fixedNumber(tenths, 1));
 }
 
 std::string byteCountText(std::uint64_t bytes) {

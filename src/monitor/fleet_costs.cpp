@@ -104,6 +104,11 @@ CostFigures FleetCosts::figuresOfToday() const {
     return sum.ofDay(today, book);
 }
 
+std::vector<UsageDay> FleetCosts::usageDays(int count) const {
+    return fleetwise::usageDays(sum.days(), book, count, environment.loop.now(),
+                                environment.calendar);
+}
+
 std::shared_ptr<const SessionCost> FleetCosts::cost(const std::string& id) const {
     const auto found = sessions->find(id);
     return found == sessions->end() ? nullptr : found->second;

@@ -2,6 +2,7 @@
 
 #include "cost/cost_store.h"
 #include "cost/cost_sum.h"
+#include "fleet/usage_days.h"
 #include "foundation/main_loop.h"
 
 #include <functional>
@@ -54,6 +55,9 @@ public:
 
     /// By the price book, over all sessions, listed or not.
     CostFigures figuresOfToday() const;
+
+    /// What all sessions used on each of the last `count` days, the oldest first.
+    std::vector<UsageDay> usageDays(int count) const;
 
     /// One session by itself; nothing where it is not known yet.
     std::shared_ptr<const SessionCost> cost(const std::string& id) const;

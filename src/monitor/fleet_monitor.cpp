@@ -33,6 +33,7 @@ std::size_t countOf(const std::vector<Session>& sessions, bool (*isMeant)(Sessio
 struct FleetMonitor::Pass {
     FleetSnapshot::Collection collection;
     HookState hook = HookState::unknown;
+    std::optional<UsageOverview> usage;  ///< of a whole pass
 };
 
 FleetMonitor::FleetMonitor(Environment givenEnvironment)
@@ -42,6 +43,9 @@ FleetMonitor::FleetMonitor(Environment givenEnvironment)
              .calendar = environment.calendar,
              .costsChanged = [this] { notify(&Observer::costsChanged); },
              .progressChanged = [this] { notify(&Observer::costScanChanged); }}),
+      fleetUsage({.settings = environment.settings,
+                  .notifier = environment.notifier,
+                  .calendar = environment.calendar}),
       shownTime(environment.loop.now()) {}
 
 FleetMonitor::~FleetMonitor() = default;
@@ -86,10 +90,12 @@ void FleetMonitor::runPass() {
     input.isPreview = !isPreviewed;
     runInBackground(
         environment.loop,
-        [collect = environment.collect, input = std::move(input), now = environment.loop.now(),
-         settingsFile = environment.hook.settingsFile,
+        [collect = environment.collect, collectUsage = environment.collectUsage,
+         input = std::move(input), usageInput = fleetUsage.input(costs.priceBook()),
+         now = environment.loop.now(), settingsFile = environment.hook.settingsFile,
          installedHook = environment.hook.installedHook] {
             Pass pass{.collection = collect(input, now)};
+            if (!input.isPreview) pass.usage = collectUsage(usageInput, now);
             const bool isInstalled = HookInstaller::isInstalled(settingsFile, installedHook);
             pass.hook = isInstalled ? HookState::installed : HookState::missing;
             return pass;
@@ -107,6 +113,7 @@ void FleetMonitor::finishPass(Pass pass) {
     setHookState(pass.hook);
     if (std::exchange(isPreviewed, true)) {
         apply(std::move(pass.collection));
+        if (pass.usage) applyUsage(*std::move(pass.usage));
     } else {
         applyPreview(std::move(pass.collection));
         wantsAnotherCollection = true;

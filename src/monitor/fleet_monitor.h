@@ -2,9 +2,12 @@
 
 #include "fleet/fleet_snapshot.h"
 #include "fleet/session_groups.h"
+#include "fleet/usage_days.h"
 #include "foundation/main_loop.h"
 #include "monitor/fleet_costs.h"
+#include "monitor/fleet_usage.h"
 #include "monitor/settings.h"
+#include "reactions/attention_episode.h"
 #include "reactions/fleet_reaction.h"
 #include "sources/hook_installer.h"
 #include "sources/host_app_memory.h"
@@ -43,6 +46,7 @@ public:
         virtual void hookChanged() {}      ///< hookState or hookProblem differ
         virtual void costsChanged() {}     ///< figures or prices differ
         virtual void costScanChanged() {}  ///< the progress of a long scan
+        virtual void usageChanged() {}     ///< quota, plans or goals differ
     };
 
     /// What the monitor works with. All that is referred to outlives it.
@@ -51,11 +55,17 @@ public:
         Settings& settings;
         /// Runs one pass. Called on another thread, never twice at once.
         std::function<FleetSnapshot::Collection(const FleetSnapshot::Input&, Date now)> collect;
+        /// Reads quota, plans and goals. Called on another thread, never twice at once.
+        std::function<UsageOverview(const UsageCollector::Input&, Date now)> collectUsage;
         HookInstaller::Places hook;
         std::string sessionsDirectory;  ///< the registry, watched as hook.statusDir is
         std::function<void()> ensureStateDirectories;
         HostAppMemory& hosts;
         CostStore& costs;
+        Notifier& notifier;
+        /// The times in which sessions waited for the user, which ended at this date or after, and
+        /// those that still wait.
+        std::function<std::vector<AttentionEpisode>(Date since, Date now)> waitingEpisodes;
         StallWatchdog& watchdog;
         std::vector<FleetReaction*> reactions;  ///< in the order they are told
         /// Brings the window a session runs in to the front, or tells why not, for the user.
@@ -158,6 +168,18 @@ public:
     const std::optional<Prices::Verdict>& priceVerdict() const { return costs.priceVerdict(); }
     const std::optional<CostStore::Progress>& costScan() const { return costs.progress(); }
 
+    /// Quota, plans and Codex's goals as of the last pass.
+    const UsageOverview& usage() const { return fleetUsage.overview(); }
+    /// The session's goal: the user's own, else Codex's.
+    std::optional<GoalStore::Goal> goal(const std::string& id) const;
+    std::optional<OwnGoals::Entry> ownGoal(const std::string& id) const;
+    void setOwnGoal(const std::string& id, const OwnGoals::Entry& entry);
+    void removeOwnGoal(const std::string& id);
+    /// What all sessions together used on each of the last `count` days, the oldest first.
+    std::vector<UsageDay> usageDays(int count) const;
+    /// When sessions waited for the user, from `since` on; may read a file.
+    std::vector<AttentionEpisode> waitingEpisodes(Date since) const;
+
     HookState hookState() const { return hook; }
     const HookInstaller::Places& hookPlaces() const { return environment.hook; }
     /// Why the last installation failed; empty otherwise.
@@ -175,6 +197,7 @@ private:
     void finishPass(Pass pass);
     void applyPreview(FleetSnapshot::Collection collection);
     void apply(FleetSnapshot::Collection collection);
+    void applyUsage(UsageOverview usage);
     void adoptFederations(std::vector<Session>& sessions);
     void applyUserMarks(std::vector<Session>& sessions) const;
     void rememberHosts(std::vector<Session>& sessions, Date now);
@@ -205,6 +228,7 @@ private:
     Environment environment;
     std::vector<Observer*> observers;
     FleetCosts costs;
+    FleetUsage fleetUsage;
 
     std::vector<Session> list;
     std::vector<SessionGroup> grouped;

@@ -74,8 +74,8 @@ std::vector<std::string> Settings::keys() {
                    notifyingStates, newSessionsNotify, sessionNotifyOverrides, notifiesWindowReset,
                    doneSound, waitingSound, windowResetSound, stateActions, webhookURL, staysAwake,
                    costDisplay, moneyBasis, usageShowsQuota, usageShowsTokens, usageShowsMoney,
-                   usagePinned, markShowsWorking, markShowsFiveHour, markShowsSevenDay,
-                   markShowsReset);
+                   usagePinned, usageGeometry, accountNames, ownGoals, markShowsWorking,
+                   markShowsFiveHour, markShowsSevenDay, markShowsReset);
 }
 
 bool Settings::isStored(std::string_view key) const {

@@ -78,6 +78,12 @@ public:
     static constexpr Setting<bool> usageShowsTokens{"usageShowsTokens", true};
     static constexpr Setting<bool> usageShowsMoney{"usageShowsMoney", true};
     static constexpr Setting<bool> usagePinned{"usagePinned", false};
+    /// Place and size of the usage window, in the toolkit's form; empty at its first opening.
+    static constexpr Setting<std::string_view> usageGeometry{"usageGeometry", ""};
+    /// Organisation to the name the user gave it.
+    static inline const Setting<Json> accountNames{"accountNames", Json::object()};
+    /// The user's own goals by session, see OwnGoals.
+    static inline const Setting<Json> ownGoals{"ownGoals", Json::object()};
 
     // The mark.
     static constexpr Setting<bool> markShowsWorking{"markShowsWorking", true};

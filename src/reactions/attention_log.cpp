@@ -43,13 +43,18 @@ void AttentionLog::observe(const std::vector<Session>& sessions, Date now) {
     if (isDirty && isDue) postWriteLocked(now);
 }
 
+AttentionLog::Episode AttentionLog::episodeOf(const std::string& sessionId, const Open& episode,
+                                              Date now) {
+    return {.sessionId = sessionId,
+            .state = episode.state,
+            .project = episode.project,
+            .began = episode.began,
+            .ended = std::max(now, episode.began)};
+}
+
 void AttentionLog::closeLocked(const std::string& sessionId, const Open& episode, Date now) {
     if (now - episode.began < shortestEpisode) return;
-    finished.push_back({.sessionId = sessionId,
-                        .state = episode.state,
-                        .project = episode.project,
-                        .began = episode.began,
-                        .ended = now});
+    finished.push_back(episodeOf(sessionId, episode, now));
     isDirty = true;
 }
 
@@ -79,6 +84,14 @@ std::vector<AttentionLog::Episode> AttentionLog::episodes(std::optional<Date> si
     std::copy_if(finished.begin(), finished.end(), std::back_inserter(wanted),
                  [&](const Episode& episode) { return !since || episode.ended >= *since; });
     return wanted;
+}
+
+std::vector<AttentionLog::Episode> AttentionLog::openEpisodes(Date now) {
+    const std::lock_guard guard(lock);
+    std::vector<Episode> waiting;
+    for (const auto& [sessionId, episode] : open)
+        waiting.push_back(episodeOf(sessionId, episode, now));
+    return waiting;
 }
 
 void AttentionLog::pruneLocked(Date now) {

@@ -57,6 +57,9 @@ public:
     /// or after. Waits for the file where it was not read yet.
     std::vector<Episode> episodes(std::optional<Date> since = {});
 
+    /// Those that have not finished, ended as it were at `now`; by session id.
+    std::vector<Episode> openEpisodes(Date now);
+
     static Summary summary(const std::vector<Episode>& episodes);
 
     /// By project, "" for those without one: the longest total first, then by name.
@@ -75,6 +78,7 @@ private:
         Date began;
     };
 
+    static Episode episodeOf(const std::string& sessionId, const Open& episode, Date now);
     void closeLocked(const std::string& sessionId, const Open& episode, Date now);
     void pruneLocked(Date now);
     void postWriteLocked(Date now);

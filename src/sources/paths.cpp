@@ -26,6 +26,13 @@ std::string configDir() {
     return environment != nullptr && *environment == '/' ? environment : inHome(".config");
 }
 
+/// Where the desktop app keeps its files.
+std::string desktopAppDir() {
+    const std::string application = inHome("Library/Application Support/Claude");
+    const bool isThere = inspectFile(application).has_value();
+    return isThere ? application : joinPath(configDir(), "Claude");
+}
+
 }  // namespace
 
 std::string Paths::home() {
@@ -66,6 +73,9 @@ std::string Paths::pricesFile() {
 std::string Paths::costIndexFile() {
     return inState("cost-index.json");
 }
+std::string Paths::usageSamplesFile() {
+    return inState("usage-samples.json");
+}
 std::string Paths::settingsFile() {
     return inHome(".claude/settings.json");
 }
@@ -82,14 +92,20 @@ std::string Paths::promptHistoryFile() {
     return inHome(".claude/history.jsonl");
 }
 
+std::string Paths::claudeConfigurationFile() {
+    return inHome(".claude.json");
+}
 std::string Paths::desktopCodeSessions() {
-    const std::string application = inHome("Library/Application Support/Claude");
-    const bool isThere = inspectFile(application).has_value();
-    return joinPath(isThere ? application : joinPath(configDir(), "Claude"),
-                    "claude-code-sessions");
+    return joinPath(desktopAppDir(), "claude-code-sessions");
+}
+std::string Paths::usageHistoryFile() {
+    return joinPath(desktopAppDir(), "plan-usage-history.json");
 }
 std::string Paths::codexDir() {
     return inHome(".codex");
+}
+std::string Paths::goalsFile() {
+    return inHome(".codex/goals_1.sqlite");
 }
 
 tl::expected<void, std::error_code> Paths::ensureStateDirectories() {

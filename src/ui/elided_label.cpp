@@ -10,6 +10,16 @@ constexpr QStringView separator = u" · ";
 
 }  // namespace
 
+QString fittingText(const QString& text, const QFontMetrics& metrics, int width) {
+    QString fitting = text;
+    while (metrics.horizontalAdvance(fitting) > width) {
+        const auto lastPart = fitting.lastIndexOf(separator);
+        if (lastPart < 0) break;
+        fitting.truncate(lastPart);
+    }
+    return metrics.elidedText(fitting, Qt::ElideRight, width);
+}
+
 ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
 }
@@ -23,21 +33,11 @@ void ElidedLabel::paintEvent(QPaintEvent*) {
     painter.setPen(palette().color(foregroundRole()));
     const QRect area = contentsRect();
     painter.drawText(area, static_cast<int>(alignment()) | Qt::TextSingleLine,
-                     fittingText(area.width()));
+                     fittingText(text(), fontMetrics(), area.width()));
 }
 
 QString ElidedLabel::firstPart() const {
     return text().left(text().indexOf(separator));
-}
-
-QString ElidedLabel::fittingText(int width) const {
-    QString fitting = text();
-    while (fontMetrics().horizontalAdvance(fitting) > width) {
-        const auto lastPart = fitting.lastIndexOf(separator);
-        if (lastPart < 0) break;
-        fitting.truncate(lastPart);
-    }
-    return fontMetrics().elidedText(fitting, Qt::ElideRight, width);
 }
 
 }  // namespace fleetwise

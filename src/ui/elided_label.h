@@ -4,8 +4,12 @@
 
 namespace fleetwise {
 
-/// One line of plain text that may be narrower than it asks for. Of parts with " · " between them
-/// it then leaves out the last ones, and what is too long even so ends with "…".
+/// As much of a text as fits: of parts with " · " between them the last ones are left out, and
+/// what is too long even so ends with "…".
+QString fittingText(const QString& text, const QFontMetrics& metrics, int width);
+
+/// One line of plain text that may be narrower than it asks for, and then is cut as fittingText
+/// does.
 class ElidedLabel : public QLabel {
     Q_OBJECT
 
@@ -19,9 +23,6 @@ protected:
 
     /// The part that is left out last.
     QString firstPart() const;
-
-private:
-    QString fittingText(int width) const;
 };
 
 }  // namespace fleetwise

@@ -58,7 +58,8 @@ FilterBar::FilterBar(FleetMonitor& givenMonitor, QWidget* parent)
     auto* view = new ChipButton(shown("Ansicht"_text));
     view->setCheckable(false);
     view->setPopupMode(QToolButton::InstantPopup);
-    view->setMenu(makeViewMenu(monitor, view));
+    view->setMenu(makeViewMenu(
+        monitor, [this] { emit usageWanted(); }, view));
     layout->addWidget(view);
     showSettings();
     monitor.addObserver(*this);

@@ -27,6 +27,7 @@ public:
 signals:
     /// The user is through with the search field and wants to go to the list.
     void leftSearch();
+    void usageWanted();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

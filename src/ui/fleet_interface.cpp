@@ -5,16 +5,20 @@
 #include "ui/interface_text.h"
 #include "ui/mark_settings.h"
 #include "ui/mark_tooltip.h"
+#include "ui/quota_figures.h"
 #include "ui/theme.h"
 
 #include <QApplication>
 #include <QWindow>
 
 #include <algorithm>
+#include <chrono>
 
 namespace fleetwise {
 
 namespace {
+
+constexpr std::chrono::minutes markStep(1);
 
 bool canBeSeen(const QWidget* widget) {
     return widget->isVisible() && !widget->isMinimized() && widget->windowHandle() != nullptr &&
@@ -44,6 +48,10 @@ FleetInterface::FleetInterface(FleetMonitor& givenMonitor, QApplication& givenAp
     fleetChanged();
     hookChanged();
     followTray();
+    markClock.setTimerType(Qt::VeryCoarseTimer);
+    markClock.setInterval(markStep);
+    connect(&markClock, &QTimer::timeout, this, &FleetInterface::showMark);
+    usageChanged();
     monitor.setVisibility(isAnyWindowVisible);
     monitor.addObserver(*this);
 }
@@ -58,6 +66,24 @@ void FleetInterface::start() {
     window.bringUp();
 }
 
+void FleetInterface::show(const Notification& notification) {
+    QStringList lines;
+    for (const std::string& text : {notification.subtitle, notification.body}) {
+        if (!text.empty()) lines << qtText(text);
+    }
+    const QString title = qtText(notification.title);
+    if (tray.isAvailable()) return tray.showMessage(title, lines.join(u'\n'));
+    window.tell(title + QStringLiteral(" — ") + lines.join(QStringLiteral(": ")));
+}
+
+void FleetInterface::showUsage() {
+    if (usageWindow == nullptr) {
+        usageWindow = std::make_unique<UsageWindow>(monitor);
+        usageWindow->setWindowIcon(window.windowIcon());
+    }
+    usageWindow->bringUp();
+}
+
 void FleetInterface::connectTray() {
     connect(&tray, &TrayItem::popoverWanted, &popover, &FleetPopover::toggle);
     connect(&tray, &TrayItem::windowWanted, &window, &FleetWindow::bringUp);
@@ -68,6 +94,9 @@ void FleetInterface::connectTray() {
 
 void FleetInterface::connectPopover() {
     connect(&popover, &FleetPopover::windowWanted, &window, &FleetWindow::bringUp);
+    connect(&window, &FleetWindow::usageWanted, this, &FleetInterface::showUsage);
+    connect(&popover, &FleetPopover::usageWanted, this, &FleetInterface::showUsage);
+    connect(&popover, &FleetPopover::opening, this, &FleetInterface::updatePopover);
     connect(&popover, &FleetPopover::activated, this, [this](const QModelIndex& index) {
         if (glanceModel.row(index).kind == SessionRow::Kind::heading) {
             glanceModel.toggleFolded(index);
@@ -92,6 +121,7 @@ void FleetInterface::settingsChanged() {
     applyAppearance();
     glanceDelegate.setAmounts(costDisplay(monitor.settings()).amounts());
     showMark();
+    showQuota();
     showToday();
 }
 
@@ -121,15 +151,47 @@ void FleetInterface::showToday() {
 void FleetInterface::showMark() {
     const auto working = static_cast<int>(monitor.workingCount());
     const auto attention = static_cast<int>(monitor.attentionCount());
-    MarkFigures figures;
+    const UsageOverview& usage = monitor.usage();
+    const Date now = quotaTime();
+    MarkFigures figures = quotaMark(usage, now);
     figures.working = working;
     figures.needsAttention = attention > 0;
     figures = shownFigures(std::move(figures), markChoices(monitor.settings()));
     tray.setFigures(figures);
-    tray.setToolTip(qtText(markTooltip({.working = working, .attention = attention})));
+    MarkTooltip tooltip{.working = working, .attention = attention};
+    if (monitor.settings().get(Settings::usageShowsQuota)) {
+        tooltip.quota = quotaTooltip(usage, now, monitor.calendar());
+    }
+    tray.setToolTip(qtText(markTooltip(tooltip)));
     if (figures == shownMark && !window.windowIcon().isNull()) return;
     shownMark = figures;
     window.setWindowIcon(markIcon(figures, MarkStyle::badge, Appearance::dark));
+}
+
+/// The clock may stand still while no window can be seen.
+Date FleetInterface::quotaTime() const {
+    return std::max(monitor.usage().at, monitor.clock());
+}
+
+void FleetInterface::usageChanged() {
+    showMark();
+    showQuota();
+    const UsageOverview& usage = monitor.usage();
+    const bool tellsTime = usage.fiveHour || usage.sevenDay;
+    if (tellsTime && !markClock.isActive()) markClock.start();
+    if (!tellsTime) markClock.stop();
+}
+
+void FleetInterface::showQuota() {
+    if (popover.isVisible()) updatePopover();
+}
+
+void FleetInterface::updatePopover() {
+    const UsageOverview& usage = monitor.usage();
+    const Date now = quotaTime();
+    popover.setQuota(monitor.settings().get(Settings::usageShowsQuota)
+                         ? quotaFigures(usage, now, monitor.calendar())
+                         : QuotaFigures());
 }
 
 void FleetInterface::hookChanged() {

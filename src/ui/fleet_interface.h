@@ -6,8 +6,12 @@
 #include "ui/fleet_window.h"
 #include "ui/session_row_delegate.h"
 #include "ui/tray_item.h"
+#include "ui/usage_window.h"
 
 #include <QPalette>
+#include <QTimer>
+
+#include <memory>
 
 class QApplication;
 
@@ -25,14 +29,22 @@ public:
     /// Shows the main window.
     void start();
 
+    /// Shows the usage window.
+    void showUsage();
+
     /// Says something in the main window, for a while.
     void tell(const QString& message) { window.tell(message); }
+
+    /// Shows it beside the tray or, where there is none, in the main window.
+    void show(const Notification& notification);
 
 private:
     void fleetChanged() override;
     void settingsChanged() override;
     void hookChanged() override;
     void costsChanged() override { showToday(); }
+    void usageChanged() override;
+    void clockTicked() override { showQuota(); }
 
     void connectTray();
     void connectPopover();
@@ -40,6 +52,10 @@ private:
     void followTray();
     void showMark();
     void showToday();
+    /// Only while the popover can be seen.
+    void showQuota();
+    void updatePopover();
+    Date quotaTime() const;
 
     FleetMonitor& monitor;
     QApplication& application;
@@ -49,8 +65,10 @@ private:
     SessionRowDelegate glanceDelegate;
     FleetWindow window;
     FleetPopover popover;
+    std::unique_ptr<UsageWindow> usageWindow;  ///< made when it is first wanted
     TrayItem tray;
     MarkFigures shownMark;
+    QTimer markClock;  ///< moves what the mark tells of time
     bool hasStarted = false;
 };
 

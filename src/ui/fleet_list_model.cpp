@@ -1,6 +1,7 @@
 #include "ui/fleet_list_model.h"
 
 #include "fleet/cost_texts.h"
+#include "fleet/goal_texts.h"
 #include "ui/interface_text.h"
 
 #include <QSet>
@@ -93,12 +94,15 @@ bool FleetListModel::isFolded(const SessionGroup& group) const {
 }
 
 SessionRow FleetListModel::rowOf(const Session& session) const {
-    std::string cost;
+    RowAdditions additions{.notice = monitor.notice(session.id),
+                           .cost = {},
+                           .goal = monitor.goal(session.id),
+                           .goalLimits = {}};
     if (costs.extent == CostDisplay::Extent::sessions) {
-        cost = costText(monitor.figures({session.id}).money(costs.basis));
+        additions.cost = costText(monitor.figures({session.id}).money(costs.basis));
     }
-    return sessionRow(session, {monitor.clock(), monitor.calendar(), monitor.home()},
-                      monitor.notice(session.id), cost);
+    if (const auto own = monitor.ownGoal(session.id)) additions.goalLimits = goalLimitsText(*own);
+    return sessionRow(session, {monitor.clock(), monitor.calendar(), monitor.home()}, additions);
 }
 
 SessionRow FleetListModel::headingOf(const SessionGroup& group) const {

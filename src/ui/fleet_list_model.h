@@ -48,6 +48,7 @@ private:
     void clockTicked() override { updateTimes(); }
     void settingsChanged() override;
     void costsChanged() override { update(); }
+    void usageChanged() override { update(); }
 
     void update();
     /// Brings running times up to date; those of ended sessions only once a minute.

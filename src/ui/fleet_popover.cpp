@@ -108,19 +108,24 @@ QWidget* FleetPopover::makeEmptyState() {
 
 QWidget* FleetPopover::makeFooter() {
     auto* footer = new QWidget(this);
-    auto* window = new QPushButton(shown("Fenster öffnen"_text), footer);
-    window->setFlat(true);
-    connect(window, &QPushButton::clicked, this, [this] {
-        hide();
-        emit windowWanted();
-    });
     costs = new ElidedLabel(footer);
     costs->setForegroundRole(QPalette::PlaceholderText);
     auto* layout = new QHBoxLayout(footer);
     layout->setContentsMargins(Metrics::margin, 0, Metrics::gap, 0);
     layout->addWidget(costs, 1);
-    layout->addWidget(window);
+    layout->addWidget(makeButton(shown("Nutzung"_text), &FleetPopover::usageWanted));
+    layout->addWidget(makeButton(shown("Fenster öffnen"_text), &FleetPopover::windowWanted));
     return footer;
+}
+
+QWidget* FleetPopover::makeButton(const QString& text, void (FleetPopover::*wanted)()) {
+    auto* button = new QPushButton(text);
+    button->setFlat(true);
+    connect(button, &QPushButton::clicked, this, [this, wanted] {
+        hide();
+        emit(this->*wanted)();
+    });
+    return button;
 }
 
 void FleetPopover::followModel(const QAbstractItemModel& model) {
@@ -157,6 +162,7 @@ void FleetPopover::toggle(const QRect& newAnchor) {
     if (isVisible()) return hide();
     if (wasOpenAtThisClick) return;
     anchor = newAnchor;
+    emit opening();
     list->selectionModel()->clear();
     list->scrollToTop();
     fitToContents();

@@ -39,9 +39,12 @@ public:
     void reveal(const QModelIndex& heading);
 
 signals:
+    /// Will open; what is shown only while it can be seen is to be brought up to date.
+    void opening();
     /// A row was clicked or confirmed with Enter.
     void activated(const QModelIndex& index);
     void windowWanted();
+    void usageWanted();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -54,6 +57,7 @@ private:
     void buildContents(QAbstractItemModel& model, QAbstractItemDelegate& delegate);
     QWidget* makeEmptyState();
     QWidget* makeFooter();
+    QWidget* makeButton(const QString& text, void (FleetPopover::*wanted)());
     void followModel(const QAbstractItemModel& model);
     void fitToContents();
     int rowsHeight() const;

@@ -1,6 +1,7 @@
 #include "ui/fleet_view.h"
 
 #include "ui/fleet_list_model.h"
+#include "ui/goal_dialog.h"
 #include "ui/interface_text.h"
 #include "ui/session_menu.h"
 #include "ui/session_row_delegate.h"
@@ -82,12 +83,15 @@ bool FleetView::foldByKey(int key, const QModelIndex& index) {
 }
 
 bool FleetView::actByKey(int key, const QModelIndex& index) {
-    if (key != Qt::Key_F && key != Qt::Key_Delete) return false;
+    if (key != Qt::Key_F && key != Qt::Key_G && key != Qt::Key_Delete) return false;
     // On a heading they do nothing, and are not the beginning of a name to go to.
     if (list.row(index).kind == SessionRow::Kind::heading) return true;
     const std::string id = list.row(index).key.toStdString();
     if (key == Qt::Key_F) {
         monitor.toggleFavorite(id);
+    } else if (key == Qt::Key_G) {
+        openGoalDialog(monitor, id, window());
+        return true;
     } else {
         monitor.dismiss(id);
     }

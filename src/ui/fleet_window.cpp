@@ -8,6 +8,7 @@
 #include "ui/fleet_view.h"
 #include "ui/hook_banner.h"
 #include "ui/interface_text.h"
+#include "ui/quota_strip.h"
 #include "ui/theme.h"
 
 #include <QApplication>
@@ -63,6 +64,9 @@ void FleetWindow::layOut() {
     auto* costs = new CostFooter(monitor);
     for (QLabel* label : {footer, static_cast<QLabel*>(costs)})
         label->setForegroundRole(QPalette::PlaceholderText);
+    auto* quota = new QuotaStrip(monitor);
+    connect(quota, &QuotaStrip::clicked, this, &FleetWindow::usageWanted);
+    connect(filterBar, &FilterBar::usageWanted, this, &FleetWindow::usageWanted);
     auto* foot = new QHBoxLayout;
     foot->setContentsMargins(Metrics::margin, Metrics::grid, Metrics::margin, Metrics::grid);
     foot->setSpacing(Metrics::groupGap);
@@ -72,11 +76,13 @@ void FleetWindow::layOut() {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(filterBar);
+    layout->addWidget(quota);
     layout->addWidget(new HookBanner(monitor));
     layout->addWidget(view, 1);
     layout->addWidget(empty, 1);
     layout->addLayout(foot);
-    setTabOrder(filterBar, view);
+    setTabOrder(filterBar, quota);
+    setTabOrder(quota, view);
 }
 
 void FleetWindow::addShortcuts() {
@@ -85,6 +91,7 @@ void FleetWindow::addShortcuts() {
     };
     add(QKeySequence::Find, [this] { filterBar->focusSearch(); });
     add(QKeySequence::Refresh, [this] { monitor.refresh(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_U), [this] { emit usageWanted(); });
     add(QKeySequence::Close, [this] { close(); });
     add(QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QApplication::exit(); });
     connect(filterBar, &FilterBar::leftSearch, this, [this] {

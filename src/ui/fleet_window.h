@@ -33,6 +33,10 @@ public:
     /// Says something at the foot of the window for ten seconds.
     void tell(const QString& message);
 
+signals:
+    /// The usage window is to be shown.
+    void usageWanted();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void hideEvent(QHideEvent* event) override;

@@ -1,6 +1,7 @@
 #include "ui/session_menu.h"
 
 #include "monitor/fleet_monitor.h"
+#include "ui/goal_dialog.h"
 #include "ui/interface_text.h"
 
 #include <QClipboard>
@@ -26,6 +27,8 @@ void showSessionMenu(FleetMonitor& monitor, const std::string& sessionId, QWidge
     menu->addSeparator();
     add(session->isFavorite ? shown("Nicht mehr anheften"_text) : shown("Anheften"_text), Qt::Key_F,
         [&monitor, sessionId] { monitor.toggleFavorite(sessionId); });
+    add(shown("Ziel …"_text), Qt::Key_G,
+        [&monitor, sessionId, parent] { openGoalDialog(monitor, sessionId, parent->window()); });
     add(shown("Aus der Liste entfernen"_text), Qt::Key_Delete,
         [&monitor, sessionId] { monitor.dismiss(sessionId); });
     menu->addSeparator();

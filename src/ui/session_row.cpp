@@ -1,5 +1,6 @@
 #include "ui/session_row.h"
 
+#include "fleet/goal_texts.h"
 #include "localisation/duration_format.h"
 #include "session/model_name.h"
 #include "session/permission_mode.h"
@@ -34,6 +35,14 @@ QStringList badgesOf(const Session& session) {
     return badges;
 }
 
+/// As short as can be, so that it stays where others fall away; the tooltip tells the rest. An own
+/// goal counts as reached with its budget, which the percentage says better.
+QString goalBadge(const GoalStore::Goal& goal) {
+    if (goal.status == GoalStore::Status::complete && !goal.isOwn) return shown("Ziel ✓"_text);
+    const auto share = goal.share();
+    return share ? shown("Ziel %d %%"_text, static_cast<int>(*share * 100)) : shown("Ziel"_text);
+}
+
 QString hostOf(const Session& session) {
     if (session.hostApp) return qtText(*session.hostApp);
     return session.isLive ? shown("Fenster unbekannt"_text) : QString();
@@ -49,7 +58,7 @@ QString contextText(std::optional<double> fill) {
     return fill ? shown("%d %%"_text, std::lround(*fill * 100)) : QString();
 }
 
-QString tooltipOf(const SessionRow& row, const Session& session) {
+QString tooltipOf(const SessionRow& row, const Session& session, const RowAdditions& additions) {
     QString text;
     addLine(text, {}, row.name);
     addLine(text, {}, row.stateLabel + (row.detail.isEmpty() ? "" : " — " + row.detail));
@@ -60,15 +69,18 @@ QString tooltipOf(const SessionRow& row, const Session& session) {
     addLine(text, shown("Modell"_text), row.model);
     addLine(text, shown("Kontext"_text), contextText(row.contextFill));
     addLine(text, shown("Zusätzlich"_text), row.badges.join(QStringLiteral(", ")));
+    if (additions.goal) addLine(text, shown("Ziel"_text), qtText(goalText(*additions.goal)));
+    addLine(text, shown("Grenzen"_text), qtText(additions.goalLimits));
     return text;
 }
 
-QString spokenOf(const SessionRow& row) {
+QString spokenOf(const SessionRow& row, const RowAdditions& additions) {
     QStringList parts{row.name, row.stateLabel};
     for (const QString& part :
          {row.detail, row.project, row.branch, row.host, row.model, row.elapsed}) {
         if (!part.isEmpty()) parts << part;
     }
+    if (additions.goal) parts << shown("Ziel"_text) + u' ' + qtText(goalText(*additions.goal));
     parts << row.badges;
     if (row.contextFill) parts << shown("Kontext"_text) + u' ' + contextText(row.contextFill);
     if (!row.cost.isEmpty()) parts << shown("Kosten"_text) + u' ' + row.cost;
@@ -79,7 +91,8 @@ QString spokenOf(const SessionRow& row) {
 }  // namespace
 
 SessionRow sessionRow(const Session& session, const RowContext& context,
-                      const std::optional<std::string>& notice, const std::string& cost) {
+                      const RowAdditions& additions) {
+    const auto& notice = additions.notice;
     SessionRow row;
     row.key = qtText(session.id);
     row.name = qtText(session.displayName());
@@ -94,14 +107,18 @@ SessionRow sessionRow(const Session& session, const RowContext& context,
     row.host = hostOf(session);
     row.model = qtText(displayModelName(session.model.value_or("")));
     row.elapsed = elapsedText(session, context.now);
+    if (additions.goal) {
+        row.goal = goalBadge(*additions.goal);
+        row.goalShare = additions.goal->share();
+    }
     row.badges = badgesOf(session);
     row.contextFill = session.contextFill({});
-    row.cost = qtText(cost);
+    row.cost = qtText(additions.cost);
     row.isFavorite = session.isFavorite;
     row.isLive = session.isLive;
     row.isStale = session.isStale(context.now);
-    row.tooltip = tooltipOf(row, session);
-    row.spoken = spokenOf(row);
+    row.tooltip = tooltipOf(row, session, additions);
+    row.spoken = spokenOf(row, additions);
     return row;
 }
 

@@ -2,6 +2,7 @@
 
 #include "fleet/session.h"
 #include "fleet/session_groups.h"
+#include "usage/goal_store.h"
 
 #include <QMetaType>
 #include <QString>
@@ -38,6 +39,8 @@ struct SessionRow {
     QString host;     ///< the application it runs in
     QString model;
     QString elapsed;  ///< how long the state lasts, or how long ago an ended session was active
+    QString goal;     ///< of the session and how far it is, as short as a badge
+    std::optional<double> goalShare;  ///< of its token budget that is used, 0 to 1
     QStringList badges;
     std::optional<double> contextFill;  ///< 1 for full
     bool isFavorite = false;
@@ -55,9 +58,16 @@ struct RowContext {
     std::string home;  ///< shown as "~" in paths
 };
 
-/// `cost` is the amount as it is shown; empty where none is.
+/// What a session's row shows besides the session.
+struct RowAdditions {
+    std::optional<std::string> notice;  ///< what came of something the user did
+    std::string cost;                   ///< the amount as it is shown; empty where none is
+    std::optional<GoalStore::Goal> goal;
+    std::string goalLimits;  ///< of an own goal, in words; may be empty
+};
+
 SessionRow sessionRow(const Session& session, const RowContext& context,
-                      const std::optional<std::string>& notice, const std::string& cost);
+                      const RowAdditions& additions);
 
 SessionRow headingRow(const SessionGroup& group, bool isFolded, const std::string& cost);
 

@@ -15,6 +15,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <optional>
+#include <vector>
 
 namespace fleetwise {
 
@@ -26,6 +28,7 @@ constexpr int roomForBranch = 130;
 constexpr int roomForPath = 180;
 constexpr int chipPadding = 5;
 constexpr double chipEdgeStrength = 0.4;
+constexpr double chipFillStrength = 0.22;
 constexpr int chevronSide = 10;
 constexpr int starSide = 12;
 constexpr int symbolSide = 12;
@@ -82,9 +85,23 @@ QString placeText(const SessionRow& row, int width) {
     return joined({width < roomForPath ? row.project : row.path, row.branch});
 }
 
-/// The first of the texts that fit side by side as chips, and the room they take.
+struct Chip {
+    QString text;
+    std::optional<double> share;  ///< of it that is filled, where it shows progress
+};
+
+/// Those of a row, the goal first: it falls away last.
+std::vector<Chip> chipsOf(const SessionRow& row) {
+    std::vector<Chip> chips;
+    if (!row.goal.isEmpty()) chips.push_back({row.goal, row.goalShare});
+    for (const QString& badge : row.badges)
+        chips.push_back({badge, {}});
+    return chips;
+}
+
+/// The first of the chips that fit side by side, and the room they take.
 struct Chips {
-    QStringList texts;
+    std::vector<Chip> chips;
     int width = 0;
 };
 
@@ -92,28 +109,43 @@ int chipWidth(const QString& text, const QFontMetrics& metrics) {
     return metrics.horizontalAdvance(text) + 2 * chipPadding;
 }
 
-Chips fittingChips(const QStringList& texts, const QFontMetrics& metrics, int room) {
-    Chips chips;
-    for (const QString& text : texts) {
-        const int width = chips.width + Metrics::gap + chipWidth(text, metrics);
+Chips fittingChips(const std::vector<Chip>& all, const QFontMetrics& metrics, int room) {
+    Chips fitting;
+    for (const Chip& chip : all) {
+        const int width = fitting.width + Metrics::gap + chipWidth(chip.text, metrics);
         if (width > room) break;
-        chips.texts << text;
-        chips.width = width;
+        fitting.chips.push_back(chip);
+        fitting.width = width;
     }
-    return chips;
+    return fitting;
 }
 
-void paintChips(QPainter& painter, QPoint place, int height, const QStringList& texts,
+/// Grows from the left with the share, within the outline.
+void paintProgress(QPainter& painter, const QRectF& outline, double share, const Palette& palette) {
+    painter.save();
+    painter.setClipRect(
+        QRectF(outline.topLeft(),
+               QSizeF(outline.width() * std::clamp(share, 0.0, 1.0), outline.height())),
+        Qt::IntersectClip);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(faded(palette.secondary, chipFillStrength));
+    painter.drawRoundedRect(outline, Metrics::grid, Metrics::grid);
+    painter.restore();
+}
+
+void paintChips(QPainter& painter, QPoint place, int height, const std::vector<Chip>& chips,
                 const Palette& palette) {
-    for (const QString& text : texts) {
-        const QRect chip(place, QSize(chipWidth(text, painter.fontMetrics()), height));
+    for (const Chip& chip : chips) {
+        const QRect area(place, QSize(chipWidth(chip.text, painter.fontMetrics()), height));
+        const QRectF outline = QRectF(area).adjusted(0.5, 0.5, -0.5, -0.5);
+        if (chip.share) paintProgress(painter, outline, *chip.share, palette);
         painter.setPen(faded(palette.secondary, chipEdgeStrength));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(chip).adjusted(0.5, 0.5, -0.5, -0.5), Metrics::grid,
-                                Metrics::grid);
-        painter.setPen(palette.secondary);
-        painter.drawText(chip, Qt::AlignCenter, text);
-        place.rx() += chip.width() + Metrics::grid;
+        painter.drawRoundedRect(outline, Metrics::grid, Metrics::grid);
+        // The secondary colour would not stand out from the filled part.
+        painter.setPen(chip.share ? palette.text : palette.secondary);
+        painter.drawText(area, Qt::AlignCenter, chip.text);
+        place.rx() += area.width() + Metrics::grid;
     }
 }
 
@@ -266,7 +298,7 @@ void SessionRowDelegate::paintDetail(QPainter& painter, const QRect& area, const
     const bool hasLead = !row.isNotice && !saysIt && stateLabels == StateLabels::shown;
     const QString lead = hasLead ? row.stateLabel : QString();
     const bool rests = row.state == SessionState::dormant;
-    const auto chips = fittingChips(row.badges, painter.fontMetrics(), area.width() / 2);
+    const auto chips = fittingChips(chipsOf(row), painter.fontMetrics(), area.width() / 2);
     QRect rest = area.adjusted(0, 0, -chips.width, 0);
     rest.adjust(write(painter, rest, lead, rests ? palette.secondary : palette.text), 0, 0, 0);
     const QString dash = lead.isEmpty() || row.detail.isEmpty() ? "" : QString::fromUtf8(" — ");
@@ -274,7 +306,7 @@ void SessionRowDelegate::paintDetail(QPainter& painter, const QRect& area, const
         write(painter, rest, dash + row.detail, warns ? palette.warning : palette.secondary), 0, 0,
         0);
     if (rest.left() > area.left()) rest.adjust(Metrics::gap, 0, 0, 0);
-    paintChips(painter, rest.topLeft(), area.height(), chips.texts, palette);
+    paintChips(painter, rest.topLeft(), area.height(), chips.chips, palette);
 }
 
 QSize SessionRowDelegate::sizeHint(const QStyleOptionViewItem& option,

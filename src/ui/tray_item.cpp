@@ -40,6 +40,10 @@ void TrayItem::setToolTip(const QString& text) {
     if (text != icon.toolTip()) icon.setToolTip(text);
 }
 
+void TrayItem::showMessage(const QString& title, const QString& text) {
+    icon.showMessage(title, text, icon.icon());
+}
+
 void TrayItem::setStyle(MarkStyle newStyle, Appearance newPanel) {
     if (newStyle == style && newPanel == panel) return;
     style = newStyle;

@@ -30,6 +30,9 @@ public:
     void setFigures(const MarkFigures& figures);
     void setToolTip(const QString& text);
 
+    /// A message of the desktop beside the mark, for a while; only where the mark can be seen.
+    void showMessage(const QString& title, const QString& text);
+
     /// `panel` is the desktop's appearance, which need not be the one of our windows.
     void setStyle(MarkStyle style, Appearance panel);
 

@@ -6,6 +6,8 @@
 #include <QActionGroup>
 #include <QMenu>
 
+#include <utility>
+
 namespace fleetwise {
 
 namespace {
@@ -60,11 +62,16 @@ void addCosts(QMenu* menu, FleetMonitor& monitor) {
                 {shown("Ohne Cache"_text), rawValue(MoneyBasis::uncached)}});
 }
 
-void fill(QMenu* menu, FleetMonitor& monitor) {
+void fill(QMenu* menu, FleetMonitor& monitor, const std::function<void()>& showUsage) {
     menu->clear();
     // What belongs to the actions without being theirs.
     qDeleteAll(menu->findChildren<QMenu*>());
     qDeleteAll(menu->findChildren<QActionGroup*>());
+    // The key is the window's; an action that had it as well would only take it away.
+    menu->addAction(shown("Nutzung"_text) + u'\t' +
+                        QKeySequence(Qt::CTRL | Qt::Key_U).toString(QKeySequence::NativeText),
+                    menu, showUsage);
+    menu->addSeparator();
     addSwitch(menu, monitor, shown("Ruhende Sitzungen zeigen"_text), Settings::showDormant);
     addSwitch(menu, monitor, shown("Codex zeigen"_text), Settings::showsCodex);
     addSwitch(menu, monitor, shown("Selbstgesteuerte zusammenfassen"_text),
@@ -76,15 +83,18 @@ void fill(QMenu* menu, FleetMonitor& monitor) {
         ->setEnabled(dismissed > 0);
     menu->addSeparator();
     addCosts(menu, monitor);
+    addSwitch(menu, monitor, shown("Kontingent zeigen"_text), Settings::usageShowsQuota);
     menu->addSeparator();
     addAppearances(menu, monitor);
 }
 
 }  // namespace
 
-QMenu* makeViewMenu(FleetMonitor& monitor, QWidget* parent) {
+QMenu* makeViewMenu(FleetMonitor& monitor, std::function<void()> showUsage, QWidget* parent) {
     auto* menu = new QMenu(parent);
-    QObject::connect(menu, &QMenu::aboutToShow, menu, [menu, &monitor] { fill(menu, monitor); });
+    QObject::connect(
+        menu, &QMenu::aboutToShow, menu,
+        [menu, &monitor, showUsage = std::move(showUsage)] { fill(menu, monitor, showUsage); });
     return menu;
 }
 

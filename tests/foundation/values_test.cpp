@@ -1,6 +1,7 @@
 #include "foundation/date.h"
 #include "foundation/json.h"
 #include "foundation/json_reader.h"
+#include "foundation/json_surrogates.h"
 #include "foundation/saturating.h"
 #include "foundation/serial_queue.h"
 #include "foundation/text.h"

@@ -204,6 +204,28 @@ TEST_F(Localisation, groupsTheDigitsOfNumbers) {
     }
 }
 
+TEST_F(Localisation, shortensCounts) {
+    const struct {
+        const char* language;
+        std::int64_t count;
+        const char* expected;
+    } rows[] = {
+        {"de", 0, "0"},
+        {"de", 999, "999"},
+        {"de", 1000, "1 Tsd."},
+        {"de", 12'349, "12,3 Tsd."},
+        {"de", 99'960, "100 Tsd."},
+        {"de", 999'499, "999 Tsd."},
+        {"de", 999'500, "1 Mio."},
+        {"en", 4'520'000'000, "4.5 Mrd."},
+        {"de", std::numeric_limits<std::int64_t>::max(), "9.223.372 Bio."},
+    };
+    for (const auto& row : rows) {
+        setInterfaceLanguage(row.language, {});
+        EXPECT_EQ(shortNumber(row.count), row.expected) << row.language << " " << row.count;
+    }
+}
+
 TEST_F(Localisation, writesSizesInTheLargestUnit) {
     const struct {
         const char* language;
@@ -282,6 +304,11 @@ TEST_F(Localisation, writesDaysInTheFormOfTheLanguage) {
         setInterfaceLanguage(row.language, {});
         EXPECT_EQ(dayText(row.day), row.expected) << row.language << " " << row.day;
     }
+    setInterfaceLanguage("de", {});
+    EXPECT_EQ(shortDayText("2026-08-07"), "07.08.");
+    setInterfaceLanguage("en", {});
+    EXPECT_EQ(shortDayText("2026-08-07"), "Aug 7");
+    EXPECT_EQ(shortDayText("x"), "x");
 }
 
 }  // namespace

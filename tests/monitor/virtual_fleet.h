@@ -36,6 +36,13 @@ public:
     std::vector<std::string> notes;
 };
 
+/// Keeps what was posted.
+class KeptNotifications final : public NotificationCentre {
+public:
+    void post(const Notification& notification) override { posted.push_back(notification); }
+    std::vector<Notification> posted;
+};
+
 /// A monitor on a virtual clock, with passes of the test's making.
 class VirtualFleet {
 public:
@@ -75,6 +82,10 @@ public:
     StallWatchdog watchdog{"", [](const auto&) {}};
     AttentionLog attentionLog{home.at("attention-log.json"), start};
     TransitionNotes transitions;
+    KeptNotifications notifications;
+    Notifier notifier{notifications};
+    UsageOverview nextUsage;                         ///< what the next passes find of quota
+    std::vector<UsageCollector::Input> usagePasses;  ///< what passes were to look for
     FleetSnapshot::Collection next;                  ///< what the next passes bring
     std::vector<FleetSnapshot::Input> passes;        ///< the passes so far
     std::vector<std::string> commands;               ///< "focus ID" and "resume ID", as they came
@@ -93,6 +104,12 @@ private:
                     passes.push_back(input);
                     return next;
                 },
+            .collectUsage =
+                [this](const UsageCollector::Input& input, Date now) {
+                    usagePasses.push_back(input);
+                    nextUsage.at = now;
+                    return nextUsage;
+                },
             .hook = {.settingsFile = home.at("settings.json"),
                      .stateDir = home.at("state"),
                      .statusDir = home.at("state/status"),
@@ -102,6 +119,14 @@ private:
             .ensureStateDirectories = [] {},
             .hosts = hosts,
             .costs = costs,
+            .notifier = notifier,
+            .waitingEpisodes =
+                [this](Date since, Date now) {
+                    auto episodes = attentionLog.episodes(since);
+                    for (const auto& open : attentionLog.openEpisodes(now))
+                        episodes.push_back(open);
+                    return episodes;
+                },
             .watchdog = watchdog,
             .reactions = {&transitions, &attentionLog},
             .focus = [this](const Session& session) { return carriedOut("focus " + session.id); },

@@ -53,7 +53,7 @@ TEST_F(FleetPopoverTest, growsWithItsRowsUpToMostOfTheScreen) {
     const int rowHeight = popover.height() - some;
     EXPECT_GT(rowHeight, 0);
     EXPECT_GT(some, empty);
-    popover.setQuota({.fiveHour = QuotaFigures::Window{.used = 0.4, .reset = "noch 2 h"}});
+    popover.setQuota({.blocks = {{"", {{.text = "5 h 40 % · noch 2 h", .used = 0.4}}}}});
     QApplication::processEvents();
     EXPECT_GT(popover.height(), some + rowHeight) << "room for the quota";
     add(200);

@@ -10,12 +10,15 @@
 #include "ui/fleet_list_model.h"
 #include "ui/fleet_view.h"
 #include "ui/hook_banner.h"
+#include "ui/made_up_usage.h"
+#include "ui/quota_strip.h"
 #include "ui/view_menu.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -127,6 +130,39 @@ TEST_F(FleetWindowTest, bringsRemovedSessionsBack) {
     EXPECT_TRUE(model.indexOf("z").isValid());
 }
 
+TEST_F(FleetWindowTest, showsTheQuotaWhileItCanBeSeen) {
+    auto& strip = *window.findChild<QuotaStrip*>();
+    EXPECT_EQ(strip.heightForWidth(800), 0);
+    EXPECT_EQ(strip.focusPolicy(), Qt::NoFocus);
+    const auto bring = [this](int percent) {
+        nextUsage = usageOfOneAccount(loop.now());
+        nextUsage.fiveHour->percent = percent;
+        monitor.refresh();
+        finishAll();
+    };
+    bring(42);
+    EXPECT_TRUE(strip.accessibleName().contains("5 h 42 %"))
+        << strip.accessibleName().toStdString();
+    EXPECT_GT(strip.heightForWidth(800), 0);
+    window.hide();
+    bring(50);
+    EXPECT_TRUE(strip.accessibleName().contains("5 h 42 %")) << "no work while it is hidden";
+    window.bringUp();
+    EXPECT_TRUE(strip.accessibleName().contains("5 h 50 %"));
+
+    const QSignalSpy wanted(&window, &FleetWindow::usageWanted);
+    strip.click();
+    auto& menu = *window.findChild<FilterBar*>()->findChild<QMenu*>();
+    emit menu.aboutToShow();
+    menu.actions().at(0)->trigger();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_U, Qt::ControlModifier);
+    EXPECT_EQ(wanted.size(), 3);
+
+    monitor.change(Settings::usageShowsQuota, false);
+    EXPECT_EQ(strip.heightForWidth(800), 0);
+}
+
 TEST(FleetWindowFooter, tellsWhatTheListedSessionsCost) {
     VirtualFleet fleet;
     writeBilledSession(fleet.home, "a", 5);
@@ -143,7 +179,8 @@ TEST(FleetWindowFooter, tellsWhatTheListedSessionsCost) {
 
     // The choices of the view menu reach it.
     QWidget window;
-    QMenu& menu = *makeViewMenu(fleet.monitor, &window);
+    QMenu& menu = *makeViewMenu(
+        fleet.monitor, [] {}, &window);
     const auto choose = [&](const QString& text) {
         emit menu.aboutToShow();
         for (QAction* action : menu.findChildren<QAction*>()) {

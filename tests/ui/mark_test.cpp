@@ -117,10 +117,8 @@ TEST(MarkTooltip, speaksInWords) {
         {{.working = 1}, "Fleetwise: 1 arbeitet"},
         {{.working = 3, .attention = 1}, "Fleetwise: 3 arbeiten, 1 braucht dich"},
         {{.attention = 2}, "Fleetwise: 2 brauchen dich"},
-        {{.working = 2,
-          .fiveHour = MarkTooltip::Window{.used = 0.42, .until = Seconds(6600)},
-          .sevenDay = MarkTooltip::Window{.used = 1.2}},
-         "Fleetwise: 2 arbeiten\n5 h: 42 %, noch 1 h 50 min\n7 d: 120 %"},
+        {{.working = 2, .quota = {"5 h 42 %", "7 d 120 %"}},
+         "Fleetwise: 2 arbeiten\n5 h 42 %\n7 d 120 %"},
     };
     for (const auto& [tooltip, expected] : wordings)
         EXPECT_EQ(markTooltip(tooltip), expected);

@@ -10,6 +10,7 @@
 #include "generator/rollout_fleet.h"
 #include "generator/session_forks.h"
 #include "generator/transcript.h"
+#include "generator/usage_history.h"
 #include "sources/project_folder.h"
 
 #include <fmt/format.h>
@@ -43,8 +44,9 @@ public:
 
     tl::expected<Books, GeneratorError> write() {
         if (Result free = checkThatHomeIsFree(); !free) return tl::unexpected(free.error());
-        for (const auto step : {&HomeWriter::writeProjects, &HomeWriter::writeSessions,
-                                &HomeWriter::writeRollouts, &HomeWriter::writeForks}) {
+        for (const auto step :
+             {&HomeWriter::writeProjects, &HomeWriter::writeSessions, &HomeWriter::writeRollouts,
+              &HomeWriter::writeForks, &HomeWriter::writeUsage}) {
             if (Result done = (this->*step)(); !done) return tl::unexpected(done.error());
         }
         return std::move(books);
@@ -249,8 +251,14 @@ private:
         return RolloutFleet(plan, at(".codex"), folders, random, filler).write(books);
     }
 
-    /// The last step, so that everything else is the same with forks and without.
+    /// After all sessions, so that they are the same with forks and without.
     Result writeForks() { return writeSessionForks(plan, random, filler, books); }
+
+    Result writeUsage() {
+        if (plan.usageDays <= 0) return {};
+        return writeUsageHistory(plan,
+                                 at("Library/Application Support/Claude/plan-usage-history.json"));
+    }
 
     const Plan& plan;
     const std::string home;

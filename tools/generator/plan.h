@@ -20,6 +20,8 @@ struct Plan {
     int forkedSessions = 0;   ///< forks of Claude Code sessions, beyond `sessions` and `megabytes`
     int projects = 12;        ///< working directories the sessions are spread over; at least one
     double days = 20.0 / 24;  ///< how far back ended sessions and rollouts reach
+    double usageDays = 0;     ///< how far back the desktop app's usage history reaches; 0: none
+    int accounts = 1;         ///< that it measures; at least one
     std::uint64_t seed = 1;
     std::int32_t pid = 1;  ///< the process every live session claims; process 1 always exists
     Date now = currentDate();

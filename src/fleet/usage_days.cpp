@@ -38,7 +38,7 @@ std::vector<UsageDay> usageDays(const std::map<std::string, ModelTallies, std::l
     for (int back = std::max(count, 0) - 1; back >= 0; --back) {
         const ::date::local_days local = today - ::date::days(back);
         UsageDay day{.day = ::date::year_month_day(local), .models = {}};
-        if (const auto used = days.find(::date::format("%F", local)); used != days.end()) {
+        if (const auto used = days.find(dayName(local)); used != days.end()) {
             for (const auto& [model, tally] : used->second)
                 add(day, model, tally, book);
         }

@@ -91,7 +91,7 @@ void FleetMonitor::runPass() {
     runInBackground(
         environment.loop,
         [collect = environment.collect, collectUsage = environment.collectUsage,
-         input = std::move(input), usageInput = fleetUsage.input(costs.priceBook()),
+         input = std::move(input), usageInput = fleetUsage.input(costs.priceBook(), list),
          now = environment.loop.now(), settingsFile = environment.hook.settingsFile,
          installedHook = environment.hook.installedHook] {
             Pass pass{.collection = collect(input, now)};

@@ -73,10 +73,12 @@ FleetUsage::FleetUsage(Environment givenEnvironment)
               settings.set(Settings::ownGoals, entries);
           }) {}
 
-FleetUsage::Input FleetUsage::input(const Prices::Book& book) const {
-    const auto& entries = own.entries();
-    const bool wantsShares = std::ranges::any_of(
-        entries, [](const auto& entry) { return entry.second.windowShareLimit.has_value(); });
+FleetUsage::Input FleetUsage::input(const Prices::Book& book,
+                                    const std::vector<Session>& sessions) const {
+    const bool wantsShares = std::ranges::any_of(sessions, [&](const Session& session) {
+        const auto entry = own.entries().find(session.id);
+        return entry != own.entries().end() && entry->second.windowShareLimit;
+    });
     return {.accountNames = environment.settings.get(Settings::accountNames),
             .wantsShares = wantsShares,
             .showsCodex = environment.settings.get(Settings::showsCodex),
@@ -89,18 +91,20 @@ bool FleetUsage::mayNotify() const {
            !environment.settings.get(Settings::isMuted);
 }
 
-void FleetUsage::watchForReset(const UsageSamples& samples, Date now) {
-    const auto org = UsageHistoryStore::primaryOrg(samples);
+void FleetUsage::watchForReset(const UsageOverview& collected) {
+    const UsageSamples& samples = *collected.samples;
+    const auto org = UsageHistoryStore::primaryOrg(samples, collected.at);
     const auto values = UsageHistoryStore::fiveHourValues(UsageHistoryStore::samples(org, samples));
     // Also where nobody is told, so that a reset is not told late.
-    const bool wasReset = resets.observe(values, org, now).has_value();
+    const bool wasReset =
+        resets.observe(values, org, collected.at, collected.toldFiveHourEnd).has_value();
     if (wasReset && mayNotify() && environment.settings.get(Settings::notifiesWindowReset)) {
         environment.notifier.announceWindowReset();
     }
 }
 
 bool FleetUsage::adopt(UsageOverview collected) {
-    if (collected.samples != current.samples) watchForReset(*collected.samples, collected.at);
+    if (collected.samples != current.samples) watchForReset(collected);
     const bool differs = !looksTheSame(current, collected);
     current = std::move(collected);
     return differs;

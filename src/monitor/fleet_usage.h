@@ -29,8 +29,8 @@ public:
 
     explicit FleetUsage(Environment givenEnvironment);
 
-    /// What the next pass is to collect.
-    Input input(const Prices::Book& book) const;
+    /// What the next pass is to collect, while these sessions are listed.
+    Input input(const Prices::Book& book, const std::vector<Session>& sessions) const;
 
     /// Takes what a pass collected, and announces a reset of the five-hour window. Whether
     /// anything that is shown differs.
@@ -51,7 +51,7 @@ public:
 
 private:
     bool mayNotify() const;
-    void watchForReset(const UsageSamples& samples, Date now);
+    void watchForReset(const UsageOverview& collected);
 
     Environment environment;
     UsageOverview current;

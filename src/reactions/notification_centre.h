@@ -8,9 +8,9 @@ namespace fleetwise {
 struct Notification {
     std::string identifier;  ///< one of the same identifier takes the place of the one before
     std::string title;
-    std::string subtitle;  ///< empty: none
-    std::string body;      ///< empty: none
-    std::string sessionId; ///< what it is about; empty: no session
+    std::string subtitle;   ///< empty: none
+    std::string body;       ///< empty: none
+    std::string sessionId;  ///< what it is about; empty: no session
 
     bool operator==(const Notification&) const = default;
 };

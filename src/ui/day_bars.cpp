@@ -25,7 +25,7 @@ double DayBarsData::Bar::sum() const {
 }
 
 DayBars::DayBars(const QString& title, QWidget* parent) : ChartWidget(title, parent) {
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::MinimumExpanding);
 }
 
 void DayBars::setData(DayBarsData newData) {

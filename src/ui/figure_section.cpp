@@ -15,6 +15,8 @@
 #include <QTableView>
 #include <QTimer>
 
+#include <utility>
+
 namespace fleetwise {
 
 namespace {
@@ -65,8 +67,10 @@ FigureSection::FigureSection(const QString& heading, ChartWidget* givenChart, QW
     exportButton->setToolTip(shown("Die Werte als CSV-Datei speichern"_text));
     exportButton->setAccessibleName(shown("Als CSV speichern"_text) + QStringLiteral(": ") +
                                     heading);
-    connect(exportButton, &QToolButton::clicked, this,
-            [this] { offerExport(model->table(), window()); });
+    connect(exportButton, &QToolButton::clicked, this, [this] {
+        fillTable();
+        offerExport(model->table(), window());
+    });
     connect(chart, &ChartWidget::markChanged, readout, &QLabel::setText);
     view->installEventFilter(this);
     layOut(heading);
@@ -121,10 +125,17 @@ void FigureSection::setLegend(std::vector<ChartLegend::Entry> entries, bool hasR
     showParts();
 }
 
-void FigureSection::setTable(FigureTable table, Reading newReading) {
+void FigureSection::setTable(std::function<FigureTable()> makeTable, Reading newReading) {
     reading = newReading;
+    newTable = std::move(makeTable);
+    if (showsTable) fillTable();
+}
+
+void FigureSection::fillTable() {
+    const auto makeTable = std::exchange(newTable, {});
+    if (!makeTable) return;
     const bool wasEmpty = model->rowCount() == 0;
-    model->setTable(std::move(table));
+    model->setTable(makeTable());
     if (wasEmpty) scroll();
 }
 
@@ -144,6 +155,7 @@ void FigureSection::setHint(const QString& hint) {
 void FigureSection::setShowsTable(bool newShowsTable) {
     if (newShowsTable == showsTable) return;
     showsTable = newShowsTable;
+    if (showsTable) fillTable();
     showParts();
 }
 

@@ -5,6 +5,7 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <vector>
 
 class QBoxLayout;
@@ -37,7 +38,8 @@ public:
     void setSummary(const QString& text);
     /// Fainter: the figures are too old to rely on.
     void setStale(bool isStale);
-    void setTable(FigureTable table, Reading reading = Reading::fromEnd);
+    /// `makeTable` is called when the table is shown or saved.
+    void setTable(std::function<FigureTable()> makeTable, Reading reading = Reading::fromEnd);
     /// What stands in place of chart and table; empty shows these.
     void setHint(const QString& hint);
     void setShowsTable(bool showsTable);
@@ -53,6 +55,7 @@ private:
     void layOut(const QString& heading);
     void showParts();
     void fitRows();
+    void fillTable();
     void scroll();
 
     ChartWidget* chart;
@@ -64,6 +67,7 @@ private:
     ChartLegend* chartLegend;
     QTableView* view;
     FigureTableModel* model;
+    std::function<FigureTable()> newTable;  ///< empty once the model has it
     QToolButton* exportButton;
     Reading reading = Reading::fromEnd;
     bool hasLegend = false;

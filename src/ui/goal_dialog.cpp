@@ -92,6 +92,12 @@ void GoalDialog::layOut(const std::optional<OwnGoals::Entry>& entry) {
     share =
         addNumber(*form, shareKind,
                   entry ? writtenHundredths(entry->windowShareLimit, shareKind.most) : QString());
+    // Codex has a window of its own, whose shares nothing tells.
+    const Session* session = monitor.session(sessionId);
+    if (session != nullptr && session->agent.isCodex() && share.edit->text().isEmpty()) {
+        form->setRowVisible(form->rowCount() - 2, false);
+        form->setRowVisible(form->rowCount() - 1, false);
+    }
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(Metrics::groupGap, Metrics::groupGap, Metrics::groupGap,
@@ -104,7 +110,7 @@ void GoalDialog::layOut(const std::optional<OwnGoals::Entry>& entry) {
             makeHint(shown("Codex verfolgt hier: %@"_text, goalText(ofCodex->second))));
     }
     layout->addWidget(makeHint(shown(
-        "Was leer bleibt, gilt nicht. Ist eine Grenze erreicht, erfährst du es einmal."_text)));
+        "Was leer bleibt, gilt nicht. Sind die Kosten oder der Anteil erreicht, erfährst du es."_text)));
     layout->addStretch();
     layout->addWidget(makeButtons(entry.has_value()));
 }

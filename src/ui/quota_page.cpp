@@ -47,6 +47,7 @@ QuotaPage::QuotaPage(FleetMonitor& givenMonitor, QWidget* parent)
       source(makeWords()) {
     accounts->setAccessibleName(shown("Konto"_text));
     accounts->setToolTip(shown("Konto"_text));
+    accounts->hide();
     source->setFont(smallFont(font()));
     source->setForegroundRole(QPalette::PlaceholderText);
     layOut();
@@ -73,7 +74,7 @@ void QuotaPage::layOut() {
         layout->addLayout(block);
     }
     layout->addWidget(source);
-    layout->addStretch(1);
+    layout->addStretch();
     auto* rows = new QVBoxLayout(codex);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(Metrics::grid);
@@ -108,6 +109,14 @@ void QuotaPage::refresh(Date now) {
 }
 
 void QuotaPage::showAccounts(const UsageOverview& usage) {
+    const bool isUnchanged = std::ranges::equal(
+        usage.accounts, shownAccounts, [](const auto& account, const auto& shownOne) {
+            return account.org == shownOne.first && account.titel == shownOne.second;
+        });
+    if (isUnchanged) return;
+    shownAccounts.clear();
+    for (const auto& account : usage.accounts)
+        shownAccounts.emplace_back(account.org, account.titel);
     const QVariant chosen = accounts->currentData();
     const QSignalBlocker quiet(accounts);
     accounts->clear();
@@ -121,7 +130,7 @@ void QuotaPage::showWindows(const UsageOverview& usage, Date now) {
     const auto index = static_cast<std::size_t>(std::max(0, accounts->currentIndex()));
     const bool isOneOfSeveral = index < usage.accounts.size();
     const auto org = isOneOfSeveral ? std::optional(usage.accounts[index].org)
-                                    : UsageHistoryStore::primaryOrg(*usage.samples);
+                                    : UsageHistoryStore::primaryOrg(*usage.samples, now);
     const UsageSamples samples = UsageHistoryStore::samples(org, *usage.samples);
     fiveHour->setVisible(!samples.empty());
     sevenDay->setVisible(!samples.empty());

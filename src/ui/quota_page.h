@@ -39,6 +39,7 @@ private:
 
     FleetMonitor& monitor;
     QComboBox* accounts;
+    std::vector<std::pair<std::string, std::string>> shownAccounts;  ///< organisation and title
     QuotaSection* fiveHour;
     QuotaSection* sevenDay;
     QLabel* codexHeading;

@@ -4,6 +4,7 @@
 #include "localisation/day_format.h"
 #include "ui/interface_text.h"
 #include "ui/time_chart.h"
+#include "usage/plausible_date.h"
 
 #include <QBoxLayout>
 #include <QComboBox>
@@ -31,7 +32,7 @@ QString titleOf(Seconds length) {
 }
 
 QString tailLabel(const QuotaWindow& window, Date now, Calendar calendar) {
-    if (!window.projection) return {};
+    if (!window.projection || window.isStale) return {};
     const auto& full = window.projection->exhaustedAt;
     if (!full) return shown("%d %%"_text, window.projection->percent);
     const bool isSoon = localDay(*full, calendar) == localDay(now, calendar);
@@ -45,19 +46,20 @@ QString quotaSummary(const QuotaWindow& window, Seconds length, Date now, Calend
     QStringList parts;
     for (const std::string& part :
          {quotaLineText(window, length, now, calendar), quotaRateText(window),
-          quotaProjectionText(window, now, calendar), quotaBudgetText(window),
-          quotaDayDeltaText(window), quotaAgeText(window, now)}) {
+          window.isStale ? std::string() : quotaProjectionText(window, now, calendar),
+          quotaBudgetText(window), quotaDayDeltaText(window), quotaAgeText(window, now)}) {
         if (!part.empty()) parts << qtText(part);
     }
     return parts.join(QStringLiteral(" · "));
 }
 
-FigureTable quotaTable(const QuotaValues& values, Seconds length, Date since, Calendar calendar) {
+FigureTable quotaTable(const QuotaValues& values, Seconds length, Date since, Date now,
+                       Calendar calendar) {
     FigureTable table{
         .title = titleOf(length).toStdString(),
         .headings = {localised("Zeit"_text), localised("Verbraucht in Prozent"_text)}};
     for (const auto& [date, percent] : values) {
-        if (date < since) continue;
+        if (date < since || isOfFuture(date, now)) continue;
         const std::string day = formatDate(date, calendar, "%Y-%m-%d");
         const std::string time = formatDate(date, calendar, "%H:%M");
         table.rows.push_back({{.text = dayText(day) + ' ' + time, .plain = day + ' ' + time},
@@ -105,7 +107,7 @@ void QuotaSection::setQuota(const QuotaValues& values, const std::optional<Quota
     section->setHint(course.series.points.empty()
                          ? shown("In diesem Zeitraum wurde nichts gemessen."_text)
                          : QString());
-    section->setTable(quotaTable(values, length, since, calendar));
+    section->setTable([=, this] { return quotaTable(values, length, since, now, calendar); });
     chart->setData(std::move(course));
 }
 

@@ -42,6 +42,7 @@ private:
 QString quotaSummary(const QuotaWindow& window, Seconds length, Date now, Calendar calendar);
 
 /// The values as a table, the oldest first.
-FigureTable quotaTable(const QuotaValues& values, Seconds length, Date since, Calendar calendar);
+FigureTable quotaTable(const QuotaValues& values, Seconds length, Date since, Date now,
+                       Calendar calendar);
 
 }  // namespace fleetwise

@@ -35,7 +35,7 @@ std::string words(double amount, SpendingFigure figure) {
 }
 
 std::string dayName(const UsageDay& day) {
-    return ::date::format("%F", day.day);
+    return fleetwise::dayName(::date::local_days(day.day));
 }
 
 /// All models by their total, the largest first.
@@ -157,7 +157,7 @@ SpendingPage::SpendingPage(FleetMonitor& givenMonitor, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(Metrics::margin, Metrics::margin, Metrics::margin, Metrics::margin);
     layout->addWidget(section);
-    layout->addStretch(1);
+    layout->addStretch();
 }
 
 QString SpendingPage::name() const {
@@ -204,7 +204,7 @@ void SpendingPage::refresh(Date) {
             : shown(
                   "In den letzten 30 Tagen wurde nichts verbraucht. Sobald ein Agent arbeitet, steht hier jeder Tag."_text));
     section->setSummary(isUnused ? QString() : summary(days));
-    section->setTable(spendingTable(days, figure()));
+    section->setTable([days = days, figure = figure()] { return spendingTable(days, figure); });
     std::vector<ChartLegend::Entry> legend;
     for (const auto& series : figures.series)
         legend.push_back({qtText(series.name), qtText(words(series.total, figure()))});

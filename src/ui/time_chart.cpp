@@ -67,7 +67,7 @@ void drawVertical(QPainter& painter, const QRectF& plot, double x) {
 }  // namespace
 
 TimeChart::TimeChart(const QString& title, QWidget* parent) : ChartWidget(title, parent) {
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::MinimumExpanding);
 }
 
 void TimeChart::setData(TimeChartData newData) {

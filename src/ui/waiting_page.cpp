@@ -34,7 +34,7 @@ FigureTable dayTable(const std::vector<AttentionLog::Day>& days) {
     FigureTable table{.title = localised("Wartezeit je Tag"_text),
                       .headings = {localised("Tag"_text), localised("Gewartet in Minuten"_text)}};
     for (const AttentionLog::Day& day : days) {
-        const std::string name = ::date::format("%F", day.day);
+        const std::string name = dayName(::date::local_days(day.day));
         table.rows.push_back({{.text = dayText(name), .plain = name}, durationCell(day.waited)});
     }
     return table;
@@ -59,7 +59,7 @@ WaitingPage::WaitingPage(FleetMonitor& givenMonitor, QWidget* parent)
     layout->setSpacing(Metrics::groupGap);
     layout->addWidget(daySection);
     layout->addWidget(projectSection);
-    layout->addStretch(1);
+    layout->addStretch();
 }
 
 QString WaitingPage::name() const {
@@ -92,7 +92,7 @@ void WaitingPage::showDays(const std::vector<AttentionEpisode>& episodes, Date s
     DayBarsData bars;
     Seconds highest{0};
     for (const AttentionLog::Day& day : all) {
-        const std::string label = shortDayText(::date::format("%F", day.day));
+        const std::string label = shortDayText(dayName(::date::local_days(day.day)));
         bars.bars.push_back({.label = qtText(label),
                              .text = qtText(label + " · " + durationText(day.waited)),
                              .parts = {day.waited.count()}});
@@ -101,7 +101,7 @@ void WaitingPage::showDays(const std::vector<AttentionEpisode>& episodes, Date s
     for (const Seconds tick : durationTicks(highest, mostTicks))
         bars.ticks.emplace_back(tick.count(), qtText(tick > Seconds(0) ? durationText(tick) : "0"));
     days->setData(std::move(bars));
-    daySection->setTable(dayTable(all));
+    daySection->setTable([all] { return dayTable(all); });
 }
 
 RankRow WaitingPage::rankRow(const Project& project, const std::vector<Project>& all) const {
@@ -151,7 +151,8 @@ void WaitingPage::showProjects(const std::vector<Project>& all) {
                         .value = rest.total.count()});
     }
     projects->setRows(std::move(rows));
-    projectSection->setTable(std::move(table), FigureSection::Reading::fromStart);
+    projectSection->setTable([table = std::move(table)] { return table; },
+                             FigureSection::Reading::fromStart);
 }
 
 }  // namespace fleetwise

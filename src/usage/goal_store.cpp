@@ -94,8 +94,12 @@ std::shared_ptr<const GoalStore::Goals> GoalStore::goals(const std::string& path
         }
     }
     auto opened = ReadOnlyDatabase::open(path);
-    // One that is missing or locked may be there the next time without having changed.
-    if (!opened) return std::make_shared<const Goals>();
+    // One that is missing or locked may be there the next time without having changed. While it is
+    // written to, what was read last stands.
+    if (!opened) {
+        const std::lock_guard guard(lock);
+        return database && known && path == knownPath ? known : std::make_shared<const Goals>();
+    }
     auto read = std::make_shared<const Goals>(goalsIn(*opened));
     const std::lock_guard guard(lock);
     knownPath = path;

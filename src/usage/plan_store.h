@@ -16,10 +16,10 @@ class PlanStore {
 public:
     struct Plan {
         SessionAgent agent;
-        std::optional<std::string> name;              ///< "Max 20x", "Pro", "Plus"
-        std::optional<bool> hasOverage;               ///< extra usage is enabled
-        std::optional<std::int64_t> creditMinorUnits; ///< balance in hundredths of the currency
-        std::optional<std::string> currency;          ///< ISO 4217
+        std::optional<std::string> name;               ///< "Max 20x", "Pro", "Plus"
+        std::optional<bool> hasOverage;                ///< extra usage is enabled
+        std::optional<std::int64_t> creditMinorUnits;  ///< balance in hundredths of the currency
+        std::optional<std::string> currency;           ///< ISO 4217
         bool isFlatRate = false;
         bool hasUnlimitedCredits = false;
 

@@ -18,7 +18,8 @@ QuotaSeries quotaSeries(const QuotaValues& values, const std::optional<QuotaWind
     if (!window) return series;
     series.windowStart = window->windowStartsAt;
     series.windowEnd = window->windowEndsAt;
-    if (window->projection && window->windowEndsAt) {
+    // From a figure that is out of date the way to the end is not known.
+    if (window->projection && window->windowEndsAt && !window->isStale) {
         series.projection =
             QuotaSeries::Tail{.from = now,
                               .fromPercent = static_cast<double>(window->percent),

@@ -166,13 +166,13 @@ std::optional<Window> derivedWindow(Course course, Date now, Calendar calendar) 
     window.title = course.title;
     window.measuredAt = course.values.back().first;
     window.percent = course.values.back().second;
-    window.isStale =
-        now - window.measuredAt > std::max(Seconds(course.length / 20), shortestStaleness);
+    const bool isOfThis = isCurrent(window, bounds);
+    window.isStale = !isOfThis || now - window.measuredAt >
+                                      std::max(Seconds(course.length / 20), shortestStaleness);
     if (!window.isStale) window.ratePerHour = ratePerHour(course.values, now);
     window.dayDelta = dayDelta(course.values, now);
     window.resetsAt = window.windowEndsAt = bounds.end;
     window.windowStartsAt = bounds.start;
-    const bool isOfThis = isCurrent(window, bounds);
     const bool hasStart = isOfThis && bounds.start;
     window.peak =
         peakSince(course.values, hasStart ? *bounds.start : window.measuredAt - course.length);

@@ -145,11 +145,13 @@ std::optional<ReadOnlyDatabase> ReadOnlyDatabase::open(const std::string& path) 
     const std::int64_t size = sizeOf(path);
     if (size <= 0 || size > largest || isLocked(path)) return {};
     if (sizeOf(path + std::string(logSuffix)) > 0) {
-        if (auto copy = copyWithLog(path)) {
-            const std::string uri = "file:" + uriPath(joinPath(copy->path, "copy.sqlite"));
-            ReadOnlyDatabase database(uri, std::move(copy));
-            if (database.connection) return database;
-        }
+        // Without what stands in the log it would tell of a state long past.
+        auto copy = copyWithLog(path);
+        if (!copy) return {};
+        const std::string uri = "file:" + uriPath(joinPath(copy->path, "copy.sqlite"));
+        ReadOnlyDatabase database(uri, std::move(copy));
+        if (!database.connection) return {};
+        return database;
     }
     ReadOnlyDatabase database("file:" + uriPath(path) + "?immutable=1");
     if (!database.connection) return {};

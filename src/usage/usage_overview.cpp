@@ -2,7 +2,6 @@
 
 #include "usage/window_shares.h"
 
-#include <set>
 #include <utility>
 
 namespace fleetwise {
@@ -11,16 +10,10 @@ namespace {
 
 constexpr Seconds sharesInterval{60};
 
-/// Whether several accounts were measured of late. What Claude Code was told says of none of them
-/// that it is its own.
-bool hasSeveralAccounts(const UsageSamples& samples, Date now) {
-    std::set<std::string_view> orgs;
-    for (auto sample = samples.rbegin(); sample != samples.rend(); ++sample) {
-        if (now - sample->date > sevenDays) break;
-        if (sample->org) orgs.insert(*sample->org);
-        if (orgs.size() > 1) return true;
-    }
-    return false;
+/// Whether the history has several accounts. What Claude Code was told says of none of them that it
+/// is its own.
+bool hasSeveralAccounts(const UsageSamples& history, Date now) {
+    return UsageHistoryStore::orgs(history, now).size() > 1;
 }
 
 UsageOverview::Source sourceOf(const UsageSamples& history, const UsageSamples& merged) {
@@ -51,7 +44,9 @@ UsageOverview UsageCollector::collect(const Input& input, Date now) {
     overview.samples = merged;
     overview.source = sourceOf(*mergedHistory, *merged);
     const bool isOwnAccount = !hasSeveralAccounts(*mergedHistory, now);
-    deriveWindows(overview, input, isOwnAccount ? claude.ends : ToldWindowEnds());
+    const ToldWindowEnds told = isOwnAccount ? claude.ends : ToldWindowEnds();
+    deriveWindows(overview, input, told);
+    overview.toldFiveHourEnd = told.fiveHour;
     if (input.showsCodex) {
         overview.codex = codexLimits.read(places.codexDirectory, now);
         overview.codexGoals = goals.goals(places.codexGoals);
@@ -89,13 +84,18 @@ void UsageCollector::deriveWindows(UsageOverview& overview, const Input& input,
 void UsageCollector::shareOut(UsageOverview& overview, const Input& input) {
     const auto& window = overview.fiveHour;
     const Date now = overview.at;
-    if (!input.wantsShares || !window || !window->windowStartsAt || window->percent <= 0) {
+    // A figure measured in the window before says nothing of this one.
+    const bool isKnown = window && window->windowStartsAt && window->percent > 0 &&
+                         window->measuredAt >= *window->windowStartsAt;
+    if (!input.wantsShares || !isKnown) {
         sharesAt.reset();
         return;
     }
-    if (!sharesAt || now < *sharesAt || now - *sharesAt >= sharesInterval) {
-        shares = windowShares(places.projectsDirectory, *window->windowStartsAt, window->percent,
-                              input.book);
+    const bool isFresh = sharesAt && sharesAt <= now && now - *sharesAt < sharesInterval &&
+                         sharesStart == window->windowStartsAt;
+    if (!isFresh) {
+        sharesStart = window->windowStartsAt;
+        shares = windowShares(places.projectsDirectory, *sharesStart, window->percent, input.book);
         sharesAt = now;
     }
     overview.windowShares = shares;

@@ -26,6 +26,7 @@ struct UsageOverview {
     std::shared_ptr<const UsageSamples> samples;  ///< of all accounts, merged; never null
     std::optional<QuotaWindow> fiveHour;          ///< of the account in use
     std::optional<QuotaWindow> sevenDay;
+    std::optional<Date> toldFiveHourEnd;             ///< by the server, to the account in use
     std::vector<UsageHistoryStore::Konto> accounts;  ///< empty where there are fewer than two
     std::optional<CodexLimits> codex;
     std::vector<PlanStore::Plan> plans;
@@ -77,6 +78,7 @@ private:
     std::shared_ptr<const UsageSamples> mergedOwn;
     std::shared_ptr<const UsageSamples> merged;  ///< of these two
     std::optional<Date> sharesAt;
+    std::optional<Date> sharesStart;  ///< of the window they are of
     std::map<std::string, double> shares;
 };
 

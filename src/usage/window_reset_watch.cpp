@@ -3,6 +3,7 @@
 #include "usage/plausible_date.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace fleetwise {
 
@@ -11,11 +12,15 @@ namespace {
 /// Two sources may show one reset at different moments, and the one measured late may still have
 /// the old figure in between; a window never begins anew that soon.
 constexpr Seconds sameReset{1'800};
+/// How far the server's clock may be ahead of ours.
+constexpr Seconds serverTolerance{600};
 
 }  // namespace
 
 std::optional<int> WindowResetWatch::observe(const QuotaValues& fiveHour,
-                                             const std::optional<std::string>& org, Date now) {
+                                             const std::optional<std::string>& org, Date now,
+                                             std::optional<Date> toldEnd) {
+    const std::optional<Date> expectedEnd = std::exchange(lastToldEnd, toldEnd);
     const auto end = std::find_if(fiveHour.rbegin(), fiveHour.rend(), [&](const auto& value) {
                          return !isOfFuture(value.first, now);
                      }).base();
@@ -38,7 +43,8 @@ std::optional<int> WindowResetWatch::observe(const QuotaValues& fiveHour,
         const auto& [date, percent] = *value;
         const bool isDrop = last->second - percent >= leastDrop && date - last->first <= fiveHours;
         const bool isKnown = toldAt && date - *toldAt < sameReset;
-        if (isDrop && !isKnown && now - date <= fiveHours) {
+        const bool isEarly = expectedEnd && date + serverTolerance < *expectedEnd;
+        if (isDrop && !isKnown && !isEarly && now - date <= fiveHours) {
             reset = last->second;
             toldAt = date;
         }

@@ -16,12 +16,15 @@ public:
 
     /// The five-hour values of the account in use, ascending by date, of this pass. The percent
     /// that the window stood at before, where one was reset since the last call.
+    /// `toldEnd` is the end that the server told of the window: a fall before it, by what was told
+    /// at the last call, is the figure of another account.
     std::optional<int> observe(const QuotaValues& fiveHour, const std::optional<std::string>& org,
-                               Date now);
+                               Date now, std::optional<Date> toldEnd = {});
 
 private:
     std::optional<std::pair<Date, int>> last;  ///< the latest value seen
     std::optional<std::string> lastOrg;
+    std::optional<Date> lastToldEnd;
     std::optional<Date> toldAt;  ///< moment of the reset told last
 };
 

@@ -145,6 +145,7 @@ TEST(QuotaWindows, aFigureOfTheWindowBeforeForetellsNothing) {
     EXPECT_EQ(window->percent, 80);
     EXPECT_EQ(fromNoon(window->resetsAt), 7 * day - 2 * hour);
     EXPECT_FALSE(window->projection || window->saturatesAt || window->dailyBudget);
+    EXPECT_TRUE(window->isStale);
 
     weeks.push_back(sample(noon, {}, 3));
     window = Store::sevenDayWindow(weeks, noon, utc, told);

@@ -12,6 +12,7 @@ struct Look {
     QuotaValues values;
     std::optional<int> told;  ///< what it stood at
     std::optional<std::string> org = {};
+    std::optional<double> toldEnd = {};
 };
 
 TEST(WindowResetWatch, tellsRealDropsOnce) {
@@ -63,13 +64,22 @@ TEST(WindowResetWatch, tellsRealDropsOnce) {
           {0, values({{0, 3}}), 50},
           {1'700, values({{1'700, 60}}), {}},
           {1'800, values({{1'800, 2}}), 60}}},
+        {"before the told end, of another account",
+         {{0, high, {}, {}, 3'600},
+          {60, values({{60, 5}}), {}, {}, 18'000},
+          {18'000, values({{120, 30}, {17'700, 4}}), 30}}},
+        {"at the told end, by a clock that is behind",
+         {{0, high, {}, {}, 660}, {60, values({{60, 5}}), 50, {}, 18'000}}},
         {"a clock set back",
          {{90'000, values({{90'000, 50}}), {}}, {0, high, {}}, {60, values({{60, 0}}), 50}}},
     };
     for (const Row& row : rows) {
         WindowResetWatch watch;
-        for (const Look& look : row.looks)
-            EXPECT_EQ(watch.observe(look.values, look.org, at(look.now)), look.told) << row.name;
+        for (const Look& look : row.looks) {
+            const auto toldEnd = look.toldEnd ? std::optional(at(*look.toldEnd)) : std::nullopt;
+            EXPECT_EQ(watch.observe(look.values, look.org, at(look.now), toldEnd), look.told)
+                << row.name;
+        }
     }
 }
 

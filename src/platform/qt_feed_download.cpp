@@ -7,6 +7,7 @@
 #include <QNetworkRequest>
 #include <QSslConfiguration>
 #include <QTimer>
+#include <openssl/crypto.h>
 
 #include <chrono>
 #include <optional>
@@ -134,7 +135,11 @@ QtFeedDownload::QtFeedDownload(std::string programVersion)
 QtFeedDownload::QtFeedDownload(std::string programVersion, Options givenOptions)
     : version(std::move(programVersion)),
       options(std::move(givenOptions)),
-      transfers(std::make_unique<QObject>()) {}
+      transfers(std::make_unique<QObject>()) {
+    // At the end of the program OpenSSL would free what belongs to Qt's thread for transfers, which
+    // may be about to free it itself. That works only before OpenSSL is first used.
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+}
 
 QtFeedDownload::~QtFeedDownload() = default;
 

@@ -9,7 +9,7 @@ namespace fleetwise {
 
 namespace {
 
-constexpr double side = 14;
+constexpr double symbolSide = 14;
 constexpr double line = 1.4;
 
 /// A star of four points, its sides curved inwards.
@@ -79,7 +79,7 @@ void paintAgentSymbol(QPainter& painter, const QRectF& area, std::string_view sy
                       const QColor& colour) {
     for (const auto& drawing : drawings) {
         if (drawing.symbol != symbol) continue;
-        return drawing.paint(DrawingBox(painter, area, side, colour));
+        return drawing.paint(DrawingBox(painter, area, symbolSide, colour));
     }
     paintStateGlyph(painter, area, SessionState::unknown, colour);
 }

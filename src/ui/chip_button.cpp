@@ -9,7 +9,7 @@ namespace fleetwise {
 namespace {
 
 constexpr float checkedStrength = 0.2F;
-constexpr double focusWidth = 1.5;
+constexpr double chipFocusWidth = 1.5;
 
 }  // namespace
 
@@ -35,7 +35,8 @@ void ChipButton::paintEvent(QPaintEvent*) {
         fill.setAlphaF(checkedStrength);
     }
     const bool isMarked = isChecked() || hasFocus();
-    painter.setPen(QPen(isMarked ? colours.accent : colours.hairline, hasFocus() ? focusWidth : 1));
+    painter.setPen(
+        QPen(isMarked ? colours.accent : colours.hairline, hasFocus() ? chipFocusWidth : 1));
     painter.setBrush(fill);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), Metrics::rowRadius,
                             Metrics::rowRadius);

@@ -11,7 +11,7 @@ namespace fleetwise {
 
 namespace {
 
-constexpr double nearlyUsedUp = 0.8;
+constexpr double nearlyFull = 0.8;
 constexpr float tailOpacity = 0.35F;
 constexpr int barHeight = 4;
 constexpr int usualCharacters = 40;  ///< of a line, which asks for as much room beside others
@@ -125,7 +125,7 @@ void paintLine(QPainter& painter, const QRect& place, const QuotaFigures::Line& 
     painter.setPen(line.isStale ? colours.secondary : colours.text);
     painter.drawText(place, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
                      fittingText(line.text, painter.fontMetrics(), place.width()));
-    const QColor usual = line.used >= nearlyUsedUp ? colours.warning : colours.accent;
+    const QColor usual = line.used >= nearlyFull ? colours.warning : colours.accent;
     const QColor colour = line.isStale ? colours.secondary : usual;
     QColor tail = line.projected.value_or(0) >= 1 ? colours.warning : colour;
     tail.setAlphaF(tailOpacity);

@@ -12,7 +12,7 @@ constexpr int compactHeight = 30;
 constexpr int comfortableHeight = 54;
 constexpr int lowestHeading = 40;
 constexpr int barWidth = 48;
-constexpr int barHeight = 4;
+constexpr int contextBarHeight = 4;
 constexpr int lineGap = 3;
 
 constexpr int narrowRow = 480;  ///< below it only what tells sessions apart
@@ -43,7 +43,7 @@ RowGeometry compactGeometry(RowGeometry geometry, const QRect& content, const Ro
     if (sizes.costWidth > 0 && width >= narrowRow + sizes.costWidth) {
         geometry.cost = end.take(sizes.costWidth, sizes.lineHeight);
     }
-    geometry.bar = end.take(barWidth, barHeight);
+    geometry.bar = end.take(barWidth, contextBarHeight);
     if (width >= wideRow) geometry.origin = end.take(width * 18 / 100, sizes.lineHeight);
     if (width >= narrowRow) geometry.place = end.take(width * 20 / 100, sizes.lineHeight);
     const QRect rest = middle(end.line, sizes.lineHeight);
@@ -68,7 +68,7 @@ RowGeometry comfortableGeometry(RowGeometry geometry, const QRect& content,
     geometry.name = upperEnd.line;
     RightEnd lowerEnd(lower);
     if (sizes.costWidth > 0) geometry.cost = lowerEnd.take(sizes.costWidth, lower.height());
-    geometry.bar = lowerEnd.take(barWidth, barHeight);
+    geometry.bar = lowerEnd.take(barWidth, contextBarHeight);
     if (width >= narrowRow) geometry.origin = lowerEnd.take(width * 26 / 100, lower.height());
     geometry.detail = lowerEnd.line;
     return geometry;

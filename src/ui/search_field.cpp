@@ -8,7 +8,7 @@ namespace fleetwise {
 
 namespace {
 
-constexpr double focusWidth = 1.5;
+constexpr double fieldFocusWidth = 1.5;
 
 }  // namespace
 
@@ -25,7 +25,7 @@ void SearchField::paintEvent(QPaintEvent* event) {
     const Palette colours = paletteOf(palette());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(hasFocus() ? QPen(colours.accent, focusWidth) : QPen(colours.hairline));
+    painter.setPen(hasFocus() ? QPen(colours.accent, fieldFocusWidth) : QPen(colours.hairline));
     painter.setBrush(colours.ground);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), Metrics::rowRadius,
                             Metrics::rowRadius);

@@ -10,7 +10,7 @@ namespace fleetwise {
 
 namespace {
 
-constexpr int barHeight = 6;
+constexpr int shareBarHeight = 6;
 constexpr double nearlyUsedUp = 0.8;
 
 }  // namespace
@@ -26,7 +26,7 @@ void ShareBar::setShare(double newShare, bool newIsFaint) {
 }
 
 QSize ShareBar::sizeHint() const {
-    return {0, barHeight + Metrics::grid};
+    return {0, shareBarHeight + Metrics::grid};
 }
 
 void ShareBar::paintEvent(QPaintEvent*) {
@@ -34,13 +34,13 @@ void ShareBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    constexpr double radius = barHeight / 2.0;
-    QRectF bar(0, 0, width(), barHeight);
+    constexpr double radius = shareBarHeight / 2.0;
+    QRectF bar(0, 0, width(), shareBarHeight);
     painter.setBrush(colours.hairline);
     painter.drawRoundedRect(bar, radius, radius);
     if (!(share > 0)) return;
     const QColor usual = share >= nearlyUsedUp ? colours.warning : colours.accent;
-    bar.setWidth(std::max<double>(barHeight, bar.width() * share));
+    bar.setWidth(std::max<double>(shareBarHeight, bar.width() * share));
     painter.setBrush(isFaint ? colours.secondary : usual);
     painter.drawRoundedRect(bar, radius, radius);
 }

@@ -9,8 +9,8 @@ namespace fleetwise {
 
 namespace {
 
-constexpr double side = 14;
-constexpr QPointF centre(side / 2, side / 2);
+constexpr double glyphSide = 14;
+constexpr QPointF glyphCentre(glyphSide / 2, glyphSide / 2);
 
 void paintDecision(const DrawingBox& box) {
     const QPainterPath diamond = polygon({{7, 1.2}, {12.8, 7}, {7, 12.8}, {1.2, 7}});
@@ -21,7 +21,7 @@ void paintDecision(const DrawingBox& box) {
 void paintWaiting(const DrawingBox& box) {
     QPainterPath bar;
     bar.addRoundedRect(QRectF(6, 3.5, 2, 7), 1, 1);
-    box.fill(circle(centre, 6.4).subtracted(bar));
+    box.fill(circle(glyphCentre, 6.4).subtracted(bar));
 }
 
 void paintFailed(const DrawingBox& box) {
@@ -45,8 +45,8 @@ void paintWaitingForSubagents(const DrawingBox& box) {
     QPainterPath dots;
     for (int third = 0; third < 3; ++third) {
         const double angle = (third / 3.0 - 0.25) * 2 * std::numbers::pi;
-        dots.addEllipse(centre + QPointF(0, 0.8) + 4.2 * QPointF(std::cos(angle), std::sin(angle)),
-                        2, 2);
+        dots.addEllipse(
+            glyphCentre + QPointF(0, 0.8) + 4.2 * QPointF(std::cos(angle), std::sin(angle)), 2, 2);
     }
     box.fill(dots);
 }
@@ -58,11 +58,11 @@ void paintCompacting(const DrawingBox& box) {
 }
 
 void paintIdle(const DrawingBox& box) {
-    box.stroke(circle(centre, 4.75), 1.5);
+    box.stroke(circle(glyphCentre, 4.75), 1.5);
 }
 
 void paintScheduled(const DrawingBox& box) {
-    box.stroke(circle(centre, 5.75), 1.5);
+    box.stroke(circle(glyphCentre, 5.75), 1.5);
     box.stroke(polyline({{7, 3.8}, {7, 7.2}, {9.4, 8.6}}), 1.4);
 }
 
@@ -75,14 +75,14 @@ void paintUnknown(const DrawingBox& box) {
 }
 
 void paintDormant(const DrawingBox& box) {
-    box.fill(circle(centre, 6).subtracted(circle({9.6, 5}, 5)));
+    box.fill(circle(glyphCentre, 6).subtracted(circle({9.6, 5}, 5)));
 }
 
 }  // namespace
 
 void paintStateGlyph(QPainter& painter, const QRectF& area, SessionState state,
                      const QColor& colour, double turn) {
-    const DrawingBox box(painter, area, side, colour);
+    const DrawingBox box(painter, area, glyphSide, colour);
     switch (state) {
         case SessionState::decision:
             return paintDecision(box);

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t mostTicks = 4;
 constexpr std::size_t mostProjects = 8;
-constexpr Seconds oneMinute{60};
+constexpr Seconds minuteLength{60};
 
 /// Names and paths as rows of sessions show them.
 Session inFolder(const std::string& project) {
@@ -27,7 +27,7 @@ Session inFolder(const std::string& project) {
 }
 
 FigureTable::Cell durationCell(Seconds duration) {
-    return {.text = durationText(duration), .number = duration / oneMinute};
+    return {.text = durationText(duration), .number = duration / minuteLength};
 }
 
 FigureTable dayTable(const std::vector<AttentionLog::Day>& days) {

@@ -4,6 +4,7 @@
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <gtest/gtest.h>
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
@@ -20,6 +21,9 @@ extern "C" const char* __lsan_default_suppressions() {  // NOLINT: the name is L
 namespace fleetwise::testing {
 
 namespace {
+
+/// Before anything else uses OpenSSL; QtFeedDownload says what for.
+[[maybe_unused]] const int isKeptToTheEnd = OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 
 using Memory = std::unique_ptr<BIO, decltype(&BIO_free)>;
 

@@ -9,6 +9,9 @@ namespace fleetwise {
 /// Figures dated later than this after the clock are of the future and do not count.
 inline constexpr Seconds clockTolerance{60};
 
+/// How far the server's clock may be ahead of ours, in the moments that it tells.
+inline constexpr Seconds serverTolerance{600};
+
 inline bool isOfFuture(Date date, Date now) {
     return date > now + clockTolerance;
 }

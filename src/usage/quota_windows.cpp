@@ -23,8 +23,6 @@ constexpr Seconds shortestStaleness{900};
 constexpr Seconds accountStaleness{30'240};
 /// Windows of this length or more have a daily budget, and an end that only a rhythm tells.
 constexpr Seconds longWindow{518'400};
-/// How far the server's clock may be ahead of ours.
-constexpr Seconds serverTolerance{600};
 
 /// What a window is derived from.
 struct Course {

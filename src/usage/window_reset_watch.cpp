@@ -12,8 +12,6 @@ namespace {
 /// Two sources may show one reset at different moments, and the one measured late may still have
 /// the old figure in between; a window never begins anew that soon.
 constexpr Seconds sameReset{1'800};
-/// How far the server's clock may be ahead of ours.
-constexpr Seconds serverTolerance{600};
 
 }  // namespace
 

@@ -9,10 +9,6 @@ namespace {
 using Store = UsageHistoryStore;
 using ::testing::ElementsAre;
 
-std::optional<double> fromNoon(const std::optional<Date>& date) {
-    return date ? std::optional((*date - noon).count()) : std::nullopt;
-}
-
 TEST(QuotaRules, aWindowStartsWithADropOrItsFirstUse) {
     struct Row {
         const char* name;

@@ -19,6 +19,10 @@ inline Date at(double seconds) {
     return noon + Seconds(seconds);
 }
 
+inline std::optional<double> fromNoon(const std::optional<Date>& date) {
+    return date ? std::optional((*date - noon).count()) : std::nullopt;
+}
+
 /// Values at seconds from noon.
 inline QuotaValues values(std::initializer_list<std::pair<double, int>> points) {
     QuotaValues made;

@@ -12,10 +12,6 @@ using Notice = QuotaNotice::Notice;
 
 const Calendar utc = ::date::locate_zone("Etc/UTC");
 
-std::optional<double> fromNoon(const std::optional<Date>& date) {
-    return date ? std::optional((*date - noon).count()) : std::nullopt;
-}
-
 QuotaWindow fiveHour(const QuotaValues& from, double now = 0, const ToldWindowEnds& told = {},
                      const std::optional<Notice>& notice = {}) {
     const auto window = Store::fiveHourWindow(samplesOf(from), at(now), notice, utc, told);

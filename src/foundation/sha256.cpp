@@ -10,6 +10,23 @@
 
 namespace fleetwise {
 
+namespace {
+
+using Digest = std::array<unsigned char, 32>;
+
+std::string hexadecimal(const Digest& digest) {
+    return fmt::format("{:02x}", fmt::join(digest, ""));
+}
+
+}  // namespace
+
+std::optional<std::string> sha256OfText(std::string_view text) {
+    Digest digest{};
+    if (EVP_Digest(text.data(), text.size(), digest.data(), nullptr, EVP_sha256(), nullptr) != 1)
+        return {};
+    return hexadecimal(digest);
+}
+
 std::optional<std::string> sha256OfFile(const std::string& path) {
     const auto file = RegularFile::open(path);
     if (!file) return {};
@@ -23,9 +40,9 @@ std::optional<std::string> sha256OfFile(const std::string& path) {
         if (*got == 0) break;
         offset += *got;
     }
-    std::array<unsigned char, 32> digest{};
+    Digest digest{};
     if (EVP_DigestFinal_ex(context.get(), digest.data(), nullptr) != 1) return {};
-    return fmt::format("{:02x}", fmt::join(digest, ""));
+    return hexadecimal(digest);
 }
 
 }  // namespace fleetwise

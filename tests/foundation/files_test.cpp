@@ -96,11 +96,12 @@ TEST(AtomicFile, makesPrivateDirectoriesWithTheirParents) {
     EXPECT_FALSE(makePrivateDirectory(file));
 }
 
-TEST(Sha256, digestsTheFileAsHexadecimal) {
+TEST(Sha256, digestsFilesAndTextsAsHexadecimal) {
     const TemporaryDirectory folder;
     // The test vectors of FIPS 180-4.
-    EXPECT_EQ(sha256OfFile(folder.write("abc", "abc")),
-              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    const std::string ofAbc = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
+    EXPECT_EQ(sha256OfFile(folder.write("abc", "abc")), ofAbc);
+    EXPECT_EQ(sha256OfText("abc"), ofAbc);
     EXPECT_EQ(sha256OfFile(folder.write("million", std::string(1'000'000, 'a'))),
               "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
     EXPECT_FALSE(sha256OfFile(folder.at("missing")));

@@ -1,13 +1,12 @@
 #include "platform/qt_feed_download.h"
 
 #include "localisation/localisation.h"
+#include "platform/qt_network_request.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QSslConfiguration>
 #include <QTimer>
-#include <openssl/crypto.h>
 
 #include <chrono>
 #include <optional>
@@ -19,46 +18,17 @@ namespace {
 
 constexpr int maximumRedirects = 3;
 
-QSslConfiguration sslConfiguration(const std::string& furtherAuthorities) {
-    auto configuration = QSslConfiguration::defaultConfiguration();
-    if (!furtherAuthorities.empty()) {
-        configuration.addCaCertificates(
-            QSslCertificate::fromData(QByteArray::fromStdString(furtherAuthorities)));
-    }
-    return configuration;
-}
-
 QNetworkRequest requestFor(const std::string& address, const std::string& version,
                            const QtFeedDownload::Options& options) {
     QUrl url(QString::fromStdString(address));
     url.setUserInfo({});
-    QNetworkRequest request(url);
-    request.setSslConfiguration(sslConfiguration(options.furtherAuthorities));
+    QNetworkRequest request = discreetRequest(url, options.furtherAuthorities);
     request.setMaximumRedirectsAllowed(maximumRedirects);
-    using Request = QNetworkRequest;
-    request.setAttribute(Request::RedirectPolicyAttribute, Request::NoLessSafeRedirectPolicy);
-    request.setAttribute(Request::CookieLoadControlAttribute, Request::Manual);
-    request.setAttribute(Request::CookieSaveControlAttribute, Request::Manual);
-    request.setAttribute(Request::AuthenticationReuseAttribute, Request::Manual);
-    request.setAttribute(Request::CacheLoadControlAttribute, Request::AlwaysNetwork);
-    request.setAttribute(Request::CacheSaveControlAttribute, false);
-    request.setHeader(Request::UserAgentHeader, QString::fromStdString("Fleetwise/" + version));
-    // Qt would name the user's language, and would unpack without a limit of ours.
-    request.setRawHeader("Accept-Language", "*");
-    request.setRawHeader("Accept-Encoding", "identity");
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setHeader(QNetworkRequest::UserAgentHeader,
+                      QString::fromStdString("Fleetwise/" + version));
     return request;
-}
-
-std::string explained(QNetworkReply::NetworkError error) {
-    switch (error) {
-        case QNetworkReply::SslHandshakeFailedError:
-            return localised("Keine sichere Verbindung zum Server"_text);
-        case QNetworkReply::InsecureRedirectError:
-        case QNetworkReply::TooManyRedirectsError:
-            return localised("Der Server leitet unsicher oder zu oft um"_text);
-        default:
-            return localised("Der Server ist nicht erreichbar"_text);
-    }
 }
 
 }  // namespace
@@ -72,8 +42,7 @@ public:
         connect(reply, &QNetworkReply::metaDataChanged, this, [this] { refuseLargeAnswer(); });
         connect(reply, &QNetworkReply::readyRead, this, [this] { take(); });
         connect(reply, &QNetworkReply::finished, this, [this] { finish(); });
-        connect(&deadline, &QTimer::timeout, this,
-                [this] { giveUp(localised("Der Server hat nicht rechtzeitig geantwortet"_text)); });
+        connect(&deadline, &QTimer::timeout, this, [this] { giveUp(answerIsLate()); });
         deadline.setSingleShot(true);
         deadline.start(std::chrono::ceil<std::chrono::milliseconds>(timeLimit));
     }
@@ -113,7 +82,7 @@ private:
             return tl::unexpected(localisedFormat("Der Server meldet den Fehler %d"_text, status));
         }
         if (reply->error() != QNetworkReply::NoError) {
-            return tl::unexpected(explained(reply->error()));
+            return tl::unexpected(networkFailure(reply->error()));
         }
         if (status != 200) {
             return tl::unexpected(localised("Der Server schickt nichts"_text));
@@ -136,9 +105,7 @@ QtFeedDownload::QtFeedDownload(std::string programVersion, Options givenOptions)
     : version(std::move(programVersion)),
       options(std::move(givenOptions)),
       transfers(std::make_unique<QObject>()) {
-    // At the end of the program OpenSSL would free what belongs to Qt's thread for transfers, which
-    // may be about to free it itself. That works only before OpenSSL is first used.
-    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+    keepOpenSslToTheEnd();
 }
 
 QtFeedDownload::~QtFeedDownload() = default;
@@ -147,7 +114,7 @@ void QtFeedDownload::get(const std::string& address, std::function<void(Result)>
     const auto request = requestFor(address, version, options);
     if (request.url().scheme() != QLatin1String("https")) {
         QTimer::singleShot(0, transfers.get(), [done = std::move(done)] {
-            done(tl::unexpected(localised("Keine sichere Verbindung zum Server"_text)));
+            done(tl::unexpected(networkFailure(QNetworkReply::SslHandshakeFailedError)));
         });
         return;
     }

@@ -6,7 +6,7 @@ configured := $(presets:%=configure-%)
 built := $(presets:%=build-%)
 
 .PHONY: run demo test install bench asan tsan fuzz format format-check tidy clean
-.PHONY: packages check-packages $(configured) $(built)
+.PHONY: packages test-packages check-packages $(configured) $(built)
 .NOTPARALLEL:
 
 # Without a display the program prints its report.
@@ -18,7 +18,7 @@ run: configure-release
 demo: build-release
 	build/release/bin/fleetwise-demo
 
-test: build-dev
+test: test-packages build-dev
 	ctest --preset dev
 
 install: build-release
@@ -27,7 +27,7 @@ install: build-release
 bench: build-bench
 	build/bench/bin/fleetwise-benchmarks
 
-asan tsan: %: build-%
+asan tsan: %: test-packages build-%
 	ctest --preset $@
 
 fuzz: check-packages build-fuzz
@@ -47,6 +47,9 @@ clean:
 
 packages:
 	scripts/install-packages
+
+test-packages:
+	scripts/install-packages --tests
 
 check-packages:
 	scripts/install-packages --checks

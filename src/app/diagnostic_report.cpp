@@ -1,5 +1,6 @@
 #include "app/diagnostics.h"
 #include "app/quota_report.h"
+#include "app/reaction_report.h"
 #include "app/session_report.h"
 #include "fleet/cost_texts.h"
 #include "foundation/text.h"
@@ -114,6 +115,7 @@ std::string diagnosticReport(const Diagnostics& diagnostics) {
     printLanguages(out, diagnostics);
     printPrices(out, diagnostics);
     report += quotaReport(diagnostics);
+    report += reactionReport(diagnostics);
     printTimings(out, diagnostics);
     printStalls(out, diagnostics);
     fmt::format_to(

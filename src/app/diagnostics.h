@@ -3,6 +3,7 @@
 #include "app/language_choice.h"
 #include "cost/session_cost.h"
 #include "fleet/fleet_snapshot.h"
+#include "reactions/reaction_rules.h"
 #include "reactions/stall.h"
 #include "usage/usage_overview.h"
 
@@ -42,6 +43,10 @@ struct Diagnostics {
 
     UsageOverview usage;
     Json ownGoals = Json::object();  ///< the setting `ownGoals`
+
+    ReactionRules reactions;
+    std::string terminal;                ///< the setting `terminalPath`
+    std::vector<std::string> terminals;  ///< those found, in the order they are tried
 };
 
 /// The report as it is printed. Its own words are German whatever the interface language, so that

@@ -1,6 +1,7 @@
 #include "app/environment.h"
 
 #include <QCoreApplication>
+#include <QStandardPaths>
 
 #include <cstdlib>
 #include <filesystem>
@@ -11,6 +12,12 @@ std::optional<std::string> environmentVariable(const std::string& name) {
     const char* value = std::getenv(name.c_str());
     if (value == nullptr) return {};
     return value;
+}
+
+std::optional<std::string> findProgram(const std::string& program) {
+    const QString found = QStandardPaths::findExecutable(QString::fromStdString(program));
+    if (found.isEmpty()) return {};
+    return found.toStdString();
 }
 
 std::optional<std::string> programResource(const std::string& name) {

@@ -1,5 +1,6 @@
 #include "app/live_fleet.h"
 
+#include "app/environment.h"
 #include "app/feed_address.h"
 #include "app/hook_jobs.h"
 #include "app/program_version.h"
@@ -34,18 +35,34 @@ LiveFleet::LiveFleet(UserDefaults& defaults, Settings& givenSettings)
              }),
       priceFeed(Paths::pricesFile(), prices),
       usage(usagePlacesOfThisUser(), UsageHistoryStore::shared(), QuotaNotice::shared()),
-      notifier(notifications),
       attentionLog(Paths::attentionLogFile(), currentDate()),
       watchdog(Paths::stallsFile(), [this](auto action) { loop.post(std::move(action)); }),
       windows(makeWindowFocus()),
-      commands(settings, ProcessTable::system(), *windows, launcher),
+      commands(settings, ProcessTable::system(), *windows, launcher, programs),
+      desktopNotifications(
+          QDBusConnection::sessionBus(),
+          [this](const std::string& sessionId, NotificationAction action) {
+              monitor.answerNotification(sessionId, action);
+          },
+          [this](const Notification& refused) { notifications.showHere(refused); }),
+      notifications(desktopNotifications),
+      notifier(notifications, currentCalendar(),
+               [this](const Session& session, const std::vector<Session>& all) {
+                   return commands.isFocused(session, all);
+               }),
+      children(makeChildProcesses()),
+      sounds(*children, findProgram),
+      actions(*children, currentDate),
+      webhook(poster, programVersion(), currentDate),
+      power(QDBusConnection::systemBus(), QDBusConnection::sessionBus()),
+      stayAwake(power),
       monitor(environment()),
       download(programVersion()),
       feed(loop, download, priceFeed, feedAddress(settings), programVersion()) {}
 
 void LiveFleet::start(std::function<void(const std::string&)> newVersion,
-                      InterfaceNotifications::Show show) {
-    notifications.setShow(std::move(show));
+                      NotificationsWithFallback::Show show) {
+    notifications.setFallback(std::move(show));
     monitor.start();
     prices.load();
     feed.start([this, newVersion = std::move(newVersion)] {
@@ -69,11 +86,13 @@ FleetMonitor::Environment LiveFleet::environment() {
         .hosts = hosts,
         .costs = costs,
         .notifier = notifier,
+        .sounds = sounds,
         .waitingEpisodes = [this](Date since, Date now) { return waitingEpisodes(since, now); },
         .watchdog = watchdog,
-        .reactions = {&attentionLog},
+        .reactions = {&notifier, &sounds, &actions, &webhook, &attentionLog, &stayAwake},
         .focus = [this](const Session& session) { return commands.focus(session); },
         .resume = [this](const Session& session) { return commands.resume(session); },
+        .resumeText = [this](const Session& session) { return commands.resumeText(session); },
         .showDockBadge = showDockBadge,
         .calendar = currentCalendar(),
         .home = Paths::home(),

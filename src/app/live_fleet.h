@@ -1,16 +1,24 @@
 #pragma once
 
-#include "app/interface_notifications.h"
 #include "app/machine_sources.h"
+#include "app/notifications_with_fallback.h"
 #include "app/session_commands.h"
 #include "cost/price_feed.h"
 #include "monitor/feed_update.h"
 #include "monitor/fleet_monitor.h"
+#include "platform/child_processes.h"
+#include "platform/desktop_notifications.h"
+#include "platform/power_assertions.h"
 #include "platform/qt_feed_download.h"
+#include "platform/qt_http_poster.h"
 #include "platform/qt_main_loop.h"
 #include "platform/qt_process_launcher.h"
+#include "platform/qt_program_output.h"
+#include "reactions/action_runner.h"
 #include "reactions/attention_log.h"
 #include "reactions/stall_watchdog.h"
+#include "reactions/stay_awake.h"
+#include "reactions/webhook.h"
 
 #include <functional>
 #include <memory>
@@ -28,9 +36,9 @@ public:
     LiveFleet(UserDefaults& defaults, Settings& settings);
 
     /// Once. `newVersion` is called with each newer version of the program that the feed lists,
-    /// `show` with what the user is to be notified of.
+    /// `show` with what the user is to be notified of while the desktop cannot.
     void start(std::function<void(const std::string&)> newVersion,
-               InterfaceNotifications::Show show);
+               NotificationsWithFallback::Show show);
 
     FleetMonitor& fleet() { return monitor; }
 
@@ -49,14 +57,23 @@ private:
     PriceSettings prices;
     PriceFeed priceFeed;
     UsageCollector usage;
-    InterfaceNotifications notifications;
-    Notifier notifier;
     AttentionLog attentionLog;
     QtMainLoop loop;
     StallWatchdog watchdog;
     std::unique_ptr<WindowFocus> windows;
     QtProcessLauncher launcher;
+    QtProgramOutput programs;
     SessionCommands commands;
+    DesktopNotifications desktopNotifications;
+    NotificationsWithFallback notifications;
+    Notifier notifier;
+    std::unique_ptr<ChildProcesses> children;
+    SoundPlayer sounds;
+    ActionRunner actions;
+    QtHttpPoster poster;
+    Webhook webhook;
+    SystemPowerAssertions power;
+    StayAwake stayAwake;
     FleetMonitor monitor;
     QtFeedDownload download;
     FeedUpdate feed;

@@ -80,6 +80,12 @@ CheckResult checkSessionBus(bool isReachable) {
             .reason = "nicht erreichbar, Mitteilungen und Symbol fehlen"};
 }
 
+CheckResult checkNotificationService(bool isThere) {
+    if (isThere) return {};
+    return {.outcome = CheckOutcome::noted,
+            .reason = "kein Dienst dafür, nur das Symbol zeigt Nachrichten"};
+}
+
 }  // namespace
 
 std::vector<Check> machineChecks(const MachineConditions& conditions) {
@@ -89,6 +95,8 @@ std::vector<Check> machineChecks(const MachineConditions& conditions) {
         {"Eigene Dateien", [conditions] { return checkFiles(conditions.stateDirectory); }},
         {"Hook", [conditions] { return checkHook(conditions); }},
         {"D-Bus", [conditions] { return checkSessionBus(conditions.reachesSessionBus); }},
+        {"Mitteilungen",
+         [conditions] { return checkNotificationService(conditions.hasNotificationService); }},
     };
 }
 

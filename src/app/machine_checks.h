@@ -14,6 +14,7 @@ struct MachineConditions {
     bool hooksInstalled = false;
     bool hookIsCurrent = true;
     bool reachesSessionBus = true;
+    bool hasNotificationService = true;
 };
 
 /// Whether this program finds on the machine what it needs. Missing files are as good as sound

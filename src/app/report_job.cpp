@@ -3,6 +3,7 @@
 #include "app/diagnostics.h"
 #include "app/environment.h"
 #include "app/machine_sources.h"
+#include "app/session_commands.h"
 #include "app/usage_places.h"
 #include "cost/cost_store.h"
 #include "cost/price_settings.h"
@@ -84,6 +85,9 @@ std::string runReport(UserDefaults& defaults, const LanguageChoice& language) {
     diagnostics.watchesFolders = isWatched(Paths::statusDir()) && isWatched(Paths::sessionsDir());
     diagnostics.stalls = loadStalls(Paths::stallsFile());
     diagnostics.language = language;
+    diagnostics.reactions = settings.reactionRules();
+    diagnostics.terminal = settings.get(Settings::terminalPath);
+    diagnostics.terminals = SessionCommands::terminals();
     collectFleet(diagnostics, settings);
     collectCosts(diagnostics, settings, defaults);
     collectUsage(diagnostics, settings);

@@ -45,7 +45,9 @@ FleetMonitor::FleetMonitor(Environment givenEnvironment)
              .progressChanged = [this] { notify(&Observer::costScanChanged); }}),
       fleetUsage({.settings = environment.settings,
                   .notifier = environment.notifier,
+                  .sounds = environment.sounds,
                   .calendar = environment.calendar}),
+      overrides(environment.settings.notifyOverrides()),
       shownTime(environment.loop.now()) {}
 
 FleetMonitor::~FleetMonitor() = default;
@@ -183,8 +185,14 @@ void FleetMonitor::rememberHosts(std::vector<Session>& sessions, Date now) {
 }
 
 void FleetMonitor::react(const std::vector<Session>& sessions, Date now) {
-    const auto notifyingStates = environment.settings.storedNotifyingStates();
-    const FleetChange change{sessions, previousStates, notifyingStates, now};
+    const ReactionRules rules = environment.settings.reactionRules();
+    const auto transitions = enteredStates(sessions, previousStates, reactedTo);
+    reactedTo = passBegan;
+    const FleetChange change{.sessions = sessions,
+                             .previousStates = previousStates,
+                             .transitions = transitions,
+                             .rules = rules,
+                             .now = now};
     for (FleetReaction* reaction : environment.reactions)
         reaction->react(change);
     previousStates.clear();

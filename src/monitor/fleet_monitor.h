@@ -43,6 +43,8 @@ public:
         virtual void clockTicked() {}      ///< `clock` moved
         virtual void settingsChanged() {}  ///< any setting; before the fleet changes by it
         virtual void windowRequested() {}  ///< the main window is to be shown
+        /// The session is to be shown in the main window.
+        virtual void sessionRequested(const std::string& /*id*/) {}
         virtual void hookChanged() {}      ///< hookState or hookProblem differ
         virtual void costsChanged() {}     ///< figures or prices differ
         virtual void costScanChanged() {}  ///< the progress of a long scan
@@ -63,6 +65,7 @@ public:
         HostAppMemory& hosts;
         CostStore& costs;
         Notifier& notifier;
+        SoundPlayer& sounds;
         /// The times in which sessions waited for the user, which ended at this date or after, and
         /// those that still wait.
         std::function<std::vector<AttentionEpisode>(Date since, Date now)> waitingEpisodes;
@@ -72,6 +75,8 @@ public:
         std::function<tl::expected<void, std::string>(const Session&)> focus;
         /// Resumes an ended session in a terminal, or tells why not, for the user.
         std::function<tl::expected<void, std::string>(const Session&)> resume;
+        /// The command that resumes the session, or why there is none, for the user.
+        std::function<tl::expected<std::string, std::string>(const Session&)> resumeText;
         /// Shows how many sessions need the user on the program's entry in the dock.
         std::function<void(std::size_t)> showDockBadge;
         Calendar calendar = nullptr;
@@ -148,7 +153,24 @@ public:
     void resume(const std::string& id);
     /// Focuses what runs and resumes what has ended.
     void activate(const std::string& id);
+    /// The command that resumes the session in a terminal. Nothing where there is none, which
+    /// becomes its notice.
+    std::optional<std::string> resumeText(const std::string& id);
     void requestWindow();
+    void requestSession(const std::string& id);
+    /// Carries out what the user chose on a notification. What stands in the way is shown.
+    void answerNotification(const std::string& id, NotificationAction action);
+
+    /// The user's choice for the session or its project; nothing where none was made.
+    std::optional<bool> notifyOverride(NotificationPolicy::Anchor anchor,
+                                       const std::string& id) const;
+    /// Makes that choice, or takes it back.
+    void setNotifyOverride(NotificationPolicy::Anchor anchor, const std::string& id,
+                           std::optional<bool> notifies);
+    /// What holds for the session in the end.
+    bool mayNotify(const Session& session) const;
+    /// Silences the session, or has it notify again.
+    void toggleNotifying(const std::string& id);
 
     /// What the last thing the user did to a session came to, where it failed; for ten seconds.
     std::optional<std::string> notice(const std::string& id) const;
@@ -216,12 +238,12 @@ private:
     void carryOut(const std::string& id,
                   const std::function<tl::expected<void, std::string>(const Session&)>& operation);
 
-    template <typename Function>
-    void notify(Function function) {
+    template <typename Function, typename... Arguments>
+    void notify(Function function, const Arguments&... arguments) {
         for (Observer* observer : std::vector(observers)) {
             const bool isThere =
                 std::find(observers.begin(), observers.end(), observer) != observers.end();
-            if (isThere) (observer->*function)();
+            if (isThere) (observer->*function)(arguments...);
         }
     }
 
@@ -236,6 +258,7 @@ private:
     std::map<std::string, SessionState> previouslyLeftOut;
     std::map<std::string, std::string> federations;  ///< by session id, as marks told
     std::map<std::string, Notice> notices;           ///< by session id
+    NotificationPolicy::Overrides overrides;         ///< as the setting has them
     std::string searchText;
     HookState hook = HookState::unknown;
     std::string hookFailure;
@@ -246,6 +269,7 @@ private:
     std::size_t dockBadge = 0;
     bool hasNotedLateness = false;
     Date passBegan;
+    std::optional<Date> reactedTo;  ///< when the pass began that reactions were told of last
     Date refreshedAt;
     Date shownTime;
     std::function<bool()> isAnyWindowVisible;

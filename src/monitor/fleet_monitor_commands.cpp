@@ -47,6 +47,7 @@ void FleetMonitor::listChanged() {
 }
 
 void FleetMonitor::settingsChanged() {
+    overrides = environment.settings.notifyOverrides();
     notify(&Observer::settingsChanged);
     listChanged();
     if (hasCollected()) refresh();
@@ -101,6 +102,71 @@ void FleetMonitor::activate(const std::string& id) {
     }
 }
 
+std::optional<std::string> FleetMonitor::resumeText(const std::string& id) {
+    const Session* found = session(id);
+    if (found == nullptr) return {};
+    auto text = environment.resumeText(*found);
+    if (text) return *std::move(text);
+    setNotice(id, text.error());
+    return {};
+}
+
+void FleetMonitor::answerNotification(const std::string& id, NotificationAction action) {
+    const Session* found = session(id);
+    const bool isLive = found != nullptr && found->isLive;
+    // The notification may be older than what has become of the session since.
+    if (isLive && action != NotificationAction::open) {
+        focus(id);
+    } else if (action == NotificationAction::resume) {
+        resume(id);
+    } else {
+        requestSession(id);
+        return;
+    }
+    if (found == nullptr || notice(id)) requestSession(id);
+}
+
+std::optional<bool> FleetMonitor::notifyOverride(NotificationPolicy::Anchor anchor,
+                                                 const std::string& id) const {
+    const Session* found = session(id);
+    if (found == nullptr) return {};
+    const auto key = NotificationPolicy::key(anchor, id, found->cwd);
+    const auto choice = key ? overrides.find(*key) : overrides.end();
+    if (choice == overrides.end()) return {};
+    return choice->second;
+}
+
+void FleetMonitor::setNotifyOverride(NotificationPolicy::Anchor anchor, const std::string& id,
+                                     std::optional<bool> notifies) {
+    const Session* found = session(id);
+    const auto key =
+        found == nullptr ? std::nullopt : NotificationPolicy::key(anchor, id, found->cwd);
+    if (!key) return;
+    Json changed = environment.settings.get(Settings::sessionNotifyOverrides);
+    if (notifies) {
+        changed[*key] = *notifies;
+    } else {
+        changed.erase(*key);
+    }
+    change(Settings::sessionNotifyOverrides, changed);
+}
+
+bool FleetMonitor::mayNotify(const Session& session) const {
+    return NotificationPolicy::notifies(session, overrides,
+                                        environment.settings.get(Settings::newSessionsNotify));
+}
+
+void FleetMonitor::toggleNotifying(const std::string& id) {
+    const Session* found = session(id);
+    if (found == nullptr) return;
+    using Anchor = NotificationPolicy::Anchor;
+    // The list may become another one with each change.
+    const Session meant = *found;
+    const bool wanted = !mayNotify(meant);
+    setNotifyOverride(Anchor::session, id, {});
+    if (mayNotify(meant) != wanted) setNotifyOverride(Anchor::session, id, wanted);
+}
+
 void FleetMonitor::carryOut(
     const std::string& id,
     const std::function<tl::expected<void, std::string>(const Session&)>& operation) {
@@ -112,6 +178,10 @@ void FleetMonitor::carryOut(
 
 void FleetMonitor::requestWindow() {
     notify(&Observer::windowRequested);
+}
+
+void FleetMonitor::requestSession(const std::string& id) {
+    notify(&Observer::sessionRequested, id);
 }
 
 void FleetMonitor::setNotice(const std::string& id, std::string text) {

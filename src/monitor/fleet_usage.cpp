@@ -98,8 +98,12 @@ void FleetUsage::watchForReset(const UsageOverview& collected) {
     // Also where nobody is told, so that a reset is not told late.
     const bool wasReset =
         resets.observe(values, org, collected.at, collected.toldFiveHourEnd).has_value();
-    if (wasReset && mayNotify() && environment.settings.get(Settings::notifiesWindowReset)) {
+    if (!wasReset) return;
+    if (mayNotify() && environment.settings.get(Settings::notifiesWindowReset)) {
         environment.notifier.announceWindowReset();
+    }
+    if (!environment.settings.get(Settings::isMuted)) {
+        environment.sounds.play(environment.settings.get(Settings::windowResetSound), collected.at);
     }
 }
 
@@ -114,9 +118,12 @@ void FleetUsage::announceBreaches(
     const std::vector<Session>& sessions,
     const std::function<std::optional<double>(const std::string&)>& cost) {
     // What is reached meanwhile is told as soon as the user may be told again.
-    if (!mayNotify()) return;
+    if (own.entries().empty() || !mayNotify() || !environment.notifier.isAuthorized()) return;
+    const auto overrides = environment.settings.notifyOverrides();
+    const bool isDefault = environment.settings.get(Settings::newSessionsNotify);
     for (const Session& session : sessions) {
         if (!own.entries().contains(session.id)) continue;
+        if (!NotificationPolicy::notifies(session, overrides, isDefault)) continue;
         const auto share = current.windowShares.find(session.id);
         const auto windowShare = share == current.windowShares.end()
                                      ? std::nullopt

@@ -3,6 +3,7 @@
 #include "fleet/session.h"
 #include "monitor/settings.h"
 #include "reactions/notifier.h"
+#include "reactions/sound_player.h"
 #include "usage/own_goals.h"
 #include "usage/usage_overview.h"
 #include "usage/window_reset_watch.h"
@@ -24,6 +25,7 @@ public:
     struct Environment {
         Settings& settings;
         Notifier& notifier;
+        SoundPlayer& sounds;
         Calendar calendar = nullptr;
     };
 

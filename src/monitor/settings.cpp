@@ -73,9 +73,9 @@ std::vector<std::string> Settings::keys() {
                    terminalPath, windowGeometry, feedURL, notificationsEnabled, isMuted,
                    notifyingStates, newSessionsNotify, sessionNotifyOverrides, notifiesWindowReset,
                    doneSound, waitingSound, windowResetSound, stateActions, webhookURL, staysAwake,
-                   costDisplay, moneyBasis, usageShowsQuota, usageShowsTokens, usageShowsMoney,
-                   usagePinned, usageGeometry, accountNames, ownGoals, markShowsWorking,
-                   markShowsFiveHour, markShowsSevenDay, markShowsReset);
+                   sparesFocusedSession, costDisplay, moneyBasis, usageShowsQuota, usageShowsTokens,
+                   usageShowsMoney, usagePinned, usageGeometry, accountNames, ownGoals,
+                   markShowsWorking, markShowsFiveHour, markShowsSevenDay, markShowsReset);
 }
 
 bool Settings::isStored(std::string_view key) const {
@@ -142,6 +142,32 @@ std::set<SessionState> Settings::storedNotifyingStates() const {
         if (const auto state = sessionStateFrom(raw)) states.insert(*state);
     }
     return states;
+}
+
+NotificationPolicy::Overrides Settings::notifyOverrides() const {
+    NotificationPolicy::Overrides overrides;
+    const Json choices = get(sessionNotifyOverrides);
+    for (const auto& [key, value] : choices.items()) {
+        if (value.is_boolean()) overrides.emplace(key, value.get<bool>());
+    }
+    return overrides;
+}
+
+ReactionRules Settings::reactionRules() const {
+    return {
+        .notificationsEnabled = get(notificationsEnabled),
+        .isMuted = get(isMuted),
+        .notifyingStates = storedNotifyingStates(),
+        .overrides = notifyOverrides(),
+        .newSessionsNotify = get(newSessionsNotify),
+        .summarizesSelfDriven = get(summarizeSelfDriven),
+        .sparesFocusedSession = get(sparesFocusedSession),
+        .doneSound = get(doneSound),
+        .waitingSound = get(waitingSound),
+        .stateActions = StateAction::decode(defaults.value(std::string(stateActions.key))),
+        .webhookURL = get(webhookURL),
+        .staysAwake = get(staysAwake),
+    };
 }
 
 void Settings::adoptSettingsFromPreviousName(const UserDefaults& earlier) {

@@ -3,6 +3,7 @@
 #include "fleet/fleet_snapshot.h"
 #include "fleet/list_rules.h"
 #include "foundation/user_defaults.h"
+#include "reactions/reaction_rules.h"
 
 #include <cstdint>
 #include <set>
@@ -70,6 +71,7 @@ public:
     static inline const Setting<Json> stateActions{"stateActions", Json::array()};
     static constexpr Setting<std::string_view> webhookURL{"webhookURL", ""};
     static constexpr Setting<bool> staysAwake{"staysAwake", false};
+    static constexpr Setting<bool> sparesFocusedSession{"sparesFocusedSession", true};
 
     // Cost and usage.
     static constexpr Setting<std::string_view> costDisplay{"costDisplay", "session"};
@@ -122,6 +124,12 @@ public:
 
     /// The states the user wants to hear of; names that are not known are ignored.
     std::set<SessionState> storedNotifyingStates() const;
+
+    /// The setting `sessionNotifyOverrides`; values that are neither true nor false are ignored.
+    NotificationPolicy::Overrides notifyOverrides() const;
+
+    /// What holds for reactions now.
+    ReactionRules reactionRules() const;
 
     /// Once: takes over what is stored under the settings' keys in the store of the program's
     /// earlier name, where nothing stands yet.

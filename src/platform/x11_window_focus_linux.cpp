@@ -56,20 +56,27 @@ public:
         return std::find(supported.begin(), supported.end(), atoms.activeWindow) != supported.end();
     }
 
-    /// The topmost window of each process that has one.
-    std::map<std::int32_t, xcb_window_t> windowsByProcess() const {
+    /// The windows of each process that has one, bottom to top.
+    std::map<std::int32_t, std::vector<xcb_window_t>> windowsByProcess() const {
         const auto windows = values(ask(root, atoms.clientListStacking, XCB_ATOM_WINDOW));
         std::vector<xcb_get_property_cookie_t> questions;
         questions.reserve(windows.size());
         for (const xcb_window_t window : windows)
             questions.push_back(ask(window, atoms.processId, XCB_ATOM_CARDINAL));
-        std::map<std::int32_t, xcb_window_t> topmost;
+        std::map<std::int32_t, std::vector<xcb_window_t>> found;
         for (std::size_t index = 0; index < windows.size(); ++index) {
             const auto process = values(questions[index]);
             if (!process.empty())
-                topmost[static_cast<std::int32_t>(process.front())] = windows[index];
+                found[static_cast<std::int32_t>(process.front())].push_back(windows[index]);
         }
-        return topmost;
+        return found;
+    }
+
+    /// XCB_NONE where none has the keyboard, which under Wayland includes all that X11 does not
+    /// know of.
+    xcb_window_t activeWindow() const {
+        const auto active = values(ask(root, atoms.activeWindow, XCB_ATOM_WINDOW));
+        return active.empty() ? XCB_NONE : active.front();
     }
 
     /// Asks the window manager as a pager does: for the user, who wants the window now. It
@@ -144,9 +151,9 @@ bool isSet(const char* variable) {
     return value != nullptr && *value != '\0';
 }
 
+/// Connects anew each time: it is seldom asked, and so no display is held open.
 class X11WindowFocus final : public WindowFocus {
 public:
-    /// Connects anew each time: windows are raised by hand, and so no display is held open.
     tl::expected<void, WindowFocusFailure> raise(
         const std::vector<std::int32_t>& processes) override {
         if (!isSet("DISPLAY")) return tl::unexpected(WindowFocusFailure::notAllowed);
@@ -157,12 +164,24 @@ public:
         for (const std::int32_t process : processes) {
             const auto window = windows.find(process);
             if (window == windows.end()) continue;
-            display.activate(window->second);
+            display.activate(window->second.back());
             return {};
         }
         // Under Wayland the windows of most programs are none that X11 knows of.
         return tl::unexpected(isSet("WAYLAND_DISPLAY") ? WindowFocusFailure::notAllowed
                                                        : WindowFocusFailure::noWindow);
+    }
+
+    std::optional<FocusedWindow> focused() override {
+        if (!isSet("DISPLAY")) return {};
+        const Display display;
+        if (!display.isOpen()) return {};
+        const xcb_window_t active = display.activeWindow();
+        for (const auto& [process, windows] : display.windowsByProcess()) {
+            if (std::ranges::find(windows, active) == windows.end()) continue;
+            return FocusedWindow{.process = process, .isOnlyOne = windows.size() == 1};
+        }
+        return {};
     }
 };
 

@@ -23,12 +23,22 @@ public:
     /// desktop app, that exists; "codex" where none does.
     static std::string codexExecutable(const std::string& home, const Exists& exists);
 
-    /// Without the change to the session's folder. `codex` is what codexExecutable gives. Nothing
-    /// for an agent whose sessions cannot be taken up again.
-    static std::optional<std::string> resumeOnly(std::string_view sessionId,
-                                                 const SessionAgent& agent, std::string_view codex);
+    /// Where the Claude Code program is when it is not on PATH, as that of a desktop often lacks
+    /// the folder: the first of the places it is installed to that exists; "claude" where none
+    /// does.
+    static std::string claudeExecutable(const std::string& home, const Exists& exists);
 
-    /// In the session's folder, where one is known.
+    /// Whether the agent takes the id for one: not for a switch, and not for none.
+    static bool isSafe(std::string_view sessionId);
+
+    /// Without the change to the session's folder; `program` is the agent's. Nothing for an agent
+    /// whose sessions cannot be taken up again, and for an id that is not safe.
+    static std::optional<std::string> resumeOnly(std::string_view sessionId,
+                                                 const SessionAgent& agent,
+                                                 std::string_view program);
+
+    /// For people to type: with "claude" or with what codexExecutable gives, and in the session's
+    /// folder where its full path is known.
     static std::optional<std::string> text(std::string_view sessionId,
                                            const std::optional<std::string>& cwd,
                                            const SessionAgent& agent, std::string_view codex);

@@ -6,7 +6,7 @@
 #include "reactions/resume_command.h"
 
 #include <algorithm>
-#include <array>
+#include <optional>
 #include <utility>
 
 namespace fleetwise {
@@ -16,36 +16,46 @@ namespace {
 constexpr std::string_view scriptName = "fortsetzen.command";
 constexpr unsigned ownerMayRun = 0700;
 
-/// A terminal and what its command line has between its name and the program to run.
+/// A terminal and how its command line goes on to the program to run.
 struct Terminal {
     std::string_view name;
     std::vector<std::string> beforeScript;
+    /// Where the terminal takes the program as a text for a shell: what that argument begins with.
+    std::optional<std::string> beforeQuoted;
 };
 
 /// In the order they are looked for: what the system was set to first.
-const std::array<Terminal, 9>& terminals() {
-    static const std::array<Terminal, 9> known{{
-        {"x-terminal-emulator", {"-e"}},
-        {"gnome-terminal", {"--"}},
-        {"konsole", {"-e"}},
-        {"kitty", {}},
-        {"alacritty", {"-e"}},
-        {"wezterm", {"start", "--"}},
-        {"foot", {}},
-        {"xfce4-terminal", {"-x"}},
-        {"xterm", {"-e"}},
-    }};
+const std::vector<Terminal>& knownTerminals() {
+    static const std::vector<Terminal> known{
+        {"x-terminal-emulator", {"-e"}, {}},
+        {"gnome-terminal", {"--"}, {}},
+        {"ptyxis", {"--"}, {}},
+        {"kgx", {"--"}, {}},
+        {"konsole", {"-e"}, {}},
+        {"ghostty", {"-e"}, {}},
+        {"kitty", {}, {}},
+        {"alacritty", {"-e"}, {}},
+        {"wezterm", {"start", "--"}, {}},
+        {"foot", {}, {}},
+        {"tilix", {"-e"}, {}},
+        {"terminator", {"-x"}, {}},
+        {"xfce4-terminal", {"-x"}, {}},
+        {"mate-terminal", {"-x"}, {}},
+        {"lxterminal", {}, "--command="},
+        {"qterminal", {"-e"}, {}},
+        {"terminology", {"-e"}, ""},
+        {"rio", {"-e"}, {}},
+        {"urxvt", {"-e"}, {}},
+        {"xterm", {"-e"}, {}},
+    };
     return known;
 }
 
-/// What most terminals understand.
-const std::vector<std::string> usualBeforeScript{"-e"};
-
-const std::vector<std::string>& beforeScript(std::string_view terminal) {
-    const std::string_view name = terminal.substr(terminal.find_last_of('/') + 1);
-    const auto found = std::find_if(terminals().begin(), terminals().end(),
-                                    [&](const Terminal& known) { return known.name == name; });
-    return found == terminals().end() ? usualBeforeScript : found->beforeScript;
+/// By the name or path of its program. One that is not known is told what most understand.
+Terminal terminalOf(std::string_view program) {
+    const std::string_view name = program.substr(program.find_last_of('/') + 1);
+    const auto found = std::ranges::find(knownTerminals(), name, &Terminal::name);
+    return found == knownTerminals().end() ? Terminal{name, {"-e"}, {}} : *found;
 }
 
 }  // namespace
@@ -56,9 +66,7 @@ ResumeLauncher::ResumeLauncher(std::string givenFolder, Lookup givenLookup,
 
 tl::expected<void, ResumeLauncher::Failure> ResumeLauncher::launch(
     const Request& request, const std::string& terminal) const {
-    if (request.sessionId.empty() || request.sessionId.starts_with('-')) {
-        return tl::unexpected(Failure::unsafeSessionId);
-    }
+    if (!ResumeCommand::isSafe(request.sessionId)) return tl::unexpected(Failure::unsafeSessionId);
     const std::string path = joinPath(folder, scriptName);
     if (!makePrivateDirectory(folder) ||
         !writeFileAtomically(path, script(request.cwd, request.command), ownerMayRun)) {
@@ -66,8 +74,8 @@ tl::expected<void, ResumeLauncher::Failure> ResumeLauncher::launch(
     }
     std::vector<std::string> candidates;
     if (!terminal.empty()) candidates.push_back(terminal);
-    for (const Terminal& known : terminals())
-        candidates.emplace_back(known.name);
+    for (std::string& known : terminals(lookup))
+        candidates.push_back(std::move(known));
     for (const std::string& candidate : candidates) {
         const auto program = lookup(candidate);
         if (program && processes.startDetached(commandLine(*program, path))) return {};
@@ -99,12 +107,22 @@ std::string ResumeLauncher::script(const std::optional<std::string>& cd, std::st
     return lines.append(command) + "\n";
 }
 
+std::vector<std::string> ResumeLauncher::terminals(const Lookup& lookup) {
+    std::vector<std::string> found;
+    for (const Terminal& known : knownTerminals()) {
+        std::string name(known.name);
+        if (lookup(name)) found.push_back(std::move(name));
+    }
+    return found;
+}
+
 std::vector<std::string> ResumeLauncher::commandLine(const std::string& terminal,
                                                      const std::string& script) {
+    const Terminal known = terminalOf(terminal);
     std::vector<std::string> command{terminal};
-    const auto& between = beforeScript(terminal);
-    command.insert(command.end(), between.begin(), between.end());
-    command.push_back(script);
+    command.insert(command.end(), known.beforeScript.begin(), known.beforeScript.end());
+    command.push_back(
+        known.beforeQuoted ? *known.beforeQuoted + ResumeCommand::shellArgument(script) : script);
     return command;
 }
 

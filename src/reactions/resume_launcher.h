@@ -42,6 +42,9 @@ public:
     /// and waits for Return.
     static std::string script(const std::optional<std::string>& cd, std::string_view command);
 
+    /// The names of the terminals that are there, in the order in which `launch` tries them.
+    static std::vector<std::string> terminals(const Lookup& lookup);
+
     /// How the terminal, by the name or path of its program, is told to run a script.
     static std::vector<std::string> commandLine(const std::string& terminal,
                                                 const std::string& script);

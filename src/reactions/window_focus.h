@@ -3,6 +3,7 @@
 #include <tl/expected.hpp>
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace fleetwise {
@@ -12,7 +13,15 @@ enum class WindowFocusFailure {
     noWindow,    ///< none of the processes has a window
 };
 
-/// Brings windows of other programs to the front.
+/// The window that has the keyboard.
+struct FocusedWindow {
+    std::int32_t process = 0;
+    bool isOnlyOne = false;  ///< the process has no other window
+
+    bool operator==(const FocusedWindow&) const = default;
+};
+
+/// Looks at windows of other programs and brings them to the front.
 class WindowFocus {
 public:
     WindowFocus() = default;
@@ -23,6 +32,9 @@ public:
     /// Raises a window of the first of the processes that has one.
     virtual tl::expected<void, WindowFocusFailure> raise(
         const std::vector<std::int32_t>& processes) = 0;
+
+    /// Nothing where no window has the keyboard or the desktop does not tell.
+    virtual std::optional<FocusedWindow> focused() = 0;
 };
 
 }  // namespace fleetwise

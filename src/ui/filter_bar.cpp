@@ -108,6 +108,10 @@ void FilterBar::focusSearch() {
     search->selectAll();
 }
 
+void FilterBar::clearSearch() {
+    search->clear();
+}
+
 bool FilterBar::eventFilter(QObject* watched, QEvent* event) {
     if (watched == search && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();

@@ -23,6 +23,7 @@ public:
     ~FilterBar() override;
 
     void focusSearch();
+    void clearSearch();
 
 signals:
     /// The user is through with the search field and wants to go to the list.

@@ -1,6 +1,7 @@
 #include "ui/fleet_interface.h"
 
 #include "fleet/cost_texts.h"
+#include "foundation/text.h"
 #include "ui/cost_display.h"
 #include "ui/interface_text.h"
 #include "ui/mark_settings.h"
@@ -23,6 +24,15 @@ constexpr std::chrono::minutes markStep(1);
 bool canBeSeen(const QWidget* widget) {
     return widget->isVisible() && !widget->isMinimized() && widget->windowHandle() != nullptr &&
            widget->windowHandle()->isExposed();
+}
+
+/// Some trays take messages for markup, and none tells.
+QString messageLine(const std::string& text) {
+    constexpr std::size_t longest = 200;
+    return qtText(printable(shortenedText(text, longest)))
+        .replace(u'<', u'‹')
+        .replace(u'>', u'›')
+        .replace(u'&', u'＆');
 }
 
 bool isAnyWindowVisible() {
@@ -67,13 +77,12 @@ void FleetInterface::start() {
 }
 
 void FleetInterface::show(const Notification& notification) {
+    if (!tray.isAvailable()) return;
     QStringList lines;
     for (const std::string& text : {notification.subtitle, notification.body}) {
-        if (!text.empty()) lines << qtText(text);
+        if (!text.empty()) lines << messageLine(text);
     }
-    const QString title = qtText(notification.title);
-    if (tray.isAvailable()) return tray.showMessage(title, lines.join(u'\n'));
-    window.tell(title + QStringLiteral(" — ") + lines.join(QStringLiteral(": ")));
+    tray.showMessage(messageLine(notification.title), lines.join(u'\n'));
 }
 
 void FleetInterface::showUsage() {

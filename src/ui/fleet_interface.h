@@ -35,7 +35,7 @@ public:
     /// Says something in the main window, for a while.
     void tell(const QString& message) { window.tell(message); }
 
-    /// Shows it beside the tray or, where there is none, in the main window.
+    /// Shows it beside the mark in the tray, where that can be seen.
     void show(const Notification& notification);
 
 private:

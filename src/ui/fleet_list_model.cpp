@@ -88,6 +88,16 @@ void FleetListModel::setFolded(const QModelIndex& heading, bool isFolded) {
     update();
 }
 
+void FleetListModel::unfoldGroupOf(const std::string& sessionId) {
+    const auto isMeant = [&](std::size_t member) {
+        return monitor.sessions()[member].id == sessionId;
+    };
+    for (const SessionGroup& group : groups()) {
+        if (std::ranges::any_of(group.members, isMeant)) folded[group.key] = false;
+    }
+    update();
+}
+
 bool FleetListModel::isFolded(const SessionGroup& group) const {
     const auto decided = folded.find(group.key);
     return decided == folded.end() ? group.beginsFolded : decided->second;
@@ -97,7 +107,8 @@ SessionRow FleetListModel::rowOf(const Session& session) const {
     RowAdditions additions{.notice = monitor.notice(session.id),
                            .cost = {},
                            .goal = monitor.goal(session.id),
-                           .goalLimits = {}};
+                           .goalLimits = {},
+                           .isSilenced = !monitor.mayNotify(session)};
     if (costs.extent == CostDisplay::Extent::sessions) {
         additions.cost = costText(monitor.figures({session.id}).money(costs.basis));
     }
@@ -135,7 +146,8 @@ CostFigures FleetListModel::figuresOf(const SessionGroup& group) const {
 }
 
 void FleetListModel::settingsChanged() {
-    if (std::exchange(costs, costDisplay(monitor.settings())) != costs) update();
+    costs = costDisplay(monitor.settings());
+    update();
 }
 
 std::vector<SessionRow> FleetListModel::rowsNow() const {

@@ -43,6 +43,9 @@ public:
     void toggleFolded(const QModelIndex& heading);
     void setFolded(const QModelIndex& heading, bool isFolded);
 
+    /// Unfolds the group that the session is in, where it is listed at all.
+    void unfoldGroupOf(const std::string& sessionId);
+
 private:
     void fleetChanged() override { update(); }
     void clockTicked() override { updateTimes(); }

@@ -66,6 +66,15 @@ void FleetView::selectSomething() {
     }
 }
 
+bool FleetView::select(const std::string& sessionId) {
+    list.unfoldGroupOf(sessionId);
+    const QModelIndex index = list.indexOf(QString::fromStdString(sessionId));
+    if (!index.isValid()) return false;
+    setCurrentIndex(index);
+    scrollTo(index);
+    return true;
+}
+
 void FleetView::activateRow(const QModelIndex& index) {
     if (!index.isValid()) return;
     if (list.row(index).kind == SessionRow::Kind::heading) {
@@ -83,7 +92,8 @@ bool FleetView::foldByKey(int key, const QModelIndex& index) {
 }
 
 bool FleetView::actByKey(int key, const QModelIndex& index) {
-    if (key != Qt::Key_F && key != Qt::Key_G && key != Qt::Key_Delete) return false;
+    if (key != Qt::Key_F && key != Qt::Key_G && key != Qt::Key_M && key != Qt::Key_Delete)
+        return false;
     // On a heading they do nothing, and are not the beginning of a name to go to.
     if (list.row(index).kind == SessionRow::Kind::heading) return true;
     const std::string id = list.row(index).key.toStdString();
@@ -92,6 +102,8 @@ bool FleetView::actByKey(int key, const QModelIndex& index) {
     } else if (key == Qt::Key_G) {
         openGoalDialog(monitor, id, window());
         return true;
+    } else if (key == Qt::Key_M) {
+        monitor.toggleNotifying(id);
     } else {
         monitor.dismiss(id);
     }

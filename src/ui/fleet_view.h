@@ -27,6 +27,9 @@ public:
     /// Selects the first session where none is selected, and scrolls to the selected one.
     void selectSomething();
 
+    /// Selects the session's row and scrolls to it, unfolding its group; whether it is listed.
+    bool select(const std::string& sessionId);
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

@@ -133,6 +133,15 @@ void FleetWindow::bringUp() {
     view->setFocus();
 }
 
+void FleetWindow::sessionRequested(const std::string& id) {
+    bringUp();
+    if (view->select(id)) return;
+    filterBar->clearSearch();
+    if (view->select(id) || monitor.session(id) == nullptr) return;
+    monitor.change(Settings::activeFilters, {});
+    view->select(id);
+}
+
 void FleetWindow::settingsChanged() {
     view->setLook(densityFrom(monitor.settings().get(Settings::density)),
                   monitor.settings().listRules().groupMode, costDisplay(monitor.settings()));

@@ -46,6 +46,7 @@ private:
     void settingsChanged() override;
     void hookChanged() override;
     void windowRequested() override { bringUp(); }
+    void sessionRequested(const std::string& id) override;
 
     void layOut();
     void addShortcuts();

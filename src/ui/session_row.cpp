@@ -112,6 +112,7 @@ SessionRow sessionRow(const Session& session, const RowContext& context,
         row.goalShare = additions.goal->share();
     }
     row.badges = badgesOf(session);
+    if (additions.isSilenced) row.badges << shown("stumm"_text);
     row.contextFill = session.contextFill({});
     row.cost = qtText(additions.cost);
     row.isFavorite = session.isFavorite;

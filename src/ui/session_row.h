@@ -63,7 +63,8 @@ struct RowAdditions {
     std::optional<std::string> notice;  ///< what came of something the user did
     std::string cost;                   ///< the amount as it is shown; empty where none is
     std::optional<GoalStore::Goal> goal;
-    std::string goalLimits;  ///< of an own goal, in words; may be empty
+    std::string goalLimits;   ///< of an own goal, in words; may be empty
+    bool isSilenced = false;  ///< it does not notify, whatever it does
 };
 
 SessionRow sessionRow(const Session& session, const RowContext& context,

@@ -77,6 +77,10 @@ void fill(QMenu* menu, FleetMonitor& monitor, const std::function<void()>& showU
     addSwitch(menu, monitor, shown("Selbstgesteuerte zusammenfassen"_text),
               Settings::summarizeSelfDriven);
     menu->addSeparator();
+    addSwitch(menu, monitor, shown("Alle Mitteilungen stumm"_text), Settings::isMuted);
+    addSwitch(menu, monitor, shown("Wach bleiben, solange gearbeitet wird"_text),
+              Settings::staysAwake);
+    menu->addSeparator();
     const auto dismissed = monitor.settings().get(Settings::dismissedSessionIds).size();
     menu->addAction(shown("Entfernte wieder zeigen (%d)"_text, dismissed), menu,
                     [&monitor] { monitor.clearDismissed(); })

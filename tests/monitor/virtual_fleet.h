@@ -7,6 +7,7 @@
 #include "support/temporary_directory.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace fleetwise::testing {
@@ -26,21 +27,48 @@ inline Session session(const std::string& id, SessionState state) {
 class TransitionNotes final : public FleetReaction {
 public:
     void react(const FleetChange& change) override {
-        for (const Session& session : change.sessions) {
-            const auto before = change.previousStates.find(session.id);
-            if (before == change.previousStates.end() || before->second == session.state) continue;
-            notes.push_back(session.id + ": " + std::string(rawValue(before->second)) + ">" +
-                            std::string(rawValue(session.state)));
+        for (const Transition& transition : change.transitions) {
+            const auto before = transition.previous;
+            notes.push_back(transition.session->id + ": " +
+                            std::string(before ? rawValue(*before) : "") + ">" +
+                            std::string(rawValue(transition.session->state)));
         }
     }
     std::vector<std::string> notes;
 };
 
-/// Keeps what was posted.
+/// Keeps what was posted, and agrees when it is asked to.
 class KeptNotifications final : public NotificationCentre {
 public:
+    void requestAuthorization(Answer answered) override { answer = std::move(answered); }
     void post(const Notification& notification) override { posted.push_back(notification); }
+    void withdraw(const std::string& identifier) override { withdrawn.push_back(identifier); }
+    void agree() {
+        if (answer) std::exchange(answer, {})(true);
+    }
     std::vector<Notification> posted;
+    std::vector<std::string> withdrawn;
+
+private:
+    Answer answer;
+};
+
+/// Keeps what was to be started; it ends when the test lets it.
+class KeptCommands final : public ChildProcesses {
+public:
+    tl::expected<void, std::string> start(const ChildCommand& command, Ended ended) override {
+        started.push_back(command.arguments.back());
+        running.push_back(std::move(ended));
+        return {};
+    }
+    void endAll() {
+        for (const Ended& ended : std::exchange(running, {}))
+            ended(0);
+    }
+    std::vector<std::string> started;  ///< the last argument of each
+
+private:
+    std::vector<Ended> running;
 };
 
 /// A monitor on a virtual clock, with passes of the test's making.
@@ -62,6 +90,8 @@ public:
         do {
             loop.advance(Seconds(0));
         } while (loop.finishBackground() > 0);
+        notifications.agree();
+        players.endAll();
     }
     std::vector<std::string> ids() const {
         std::vector<std::string> listed;
@@ -83,7 +113,11 @@ public:
     AttentionLog attentionLog{home.at("attention-log.json"), start};
     TransitionNotes transitions;
     KeptNotifications notifications;
-    Notifier notifier{notifications};
+    Notifier notifier{notifications, date::locate_zone("Europe/Berlin"), {}};
+    KeptCommands players;
+    SoundPlayer sounds{players,
+                       [](const auto& program) { return "/usr/bin/" + program; },
+                       {home.makeDirectory("sounds")}};
     UsageOverview nextUsage;                         ///< what the next passes find of quota
     std::vector<UsageCollector::Input> usagePasses;  ///< what passes were to look for
     FleetSnapshot::Collection next;                  ///< what the next passes bring
@@ -120,6 +154,7 @@ private:
             .hosts = hosts,
             .costs = costs,
             .notifier = notifier,
+            .sounds = sounds,
             .waitingEpisodes =
                 [this](Date since, Date now) {
                     auto episodes = attentionLog.episodes(since);
@@ -128,9 +163,13 @@ private:
                     return episodes;
                 },
             .watchdog = watchdog,
-            .reactions = {&transitions, &attentionLog},
+            .reactions = {&notifier, &sounds, &transitions, &attentionLog},
             .focus = [this](const Session& session) { return carriedOut("focus " + session.id); },
             .resume = [this](const Session& session) { return carriedOut("resume " + session.id); },
+            .resumeText = [](const Session& session) -> tl::expected<std::string, std::string> {
+                if (!session.agent.isClaude()) return tl::unexpected(std::string("geht nicht"));
+                return "claude --resume " + session.id;
+            },
             .showDockBadge = [this](std::size_t count) { badges.push_back(count); },
             .calendar = date::locate_zone("Europe/Berlin"),
             .home = home.path(),

@@ -11,12 +11,12 @@ namespace fleetwise::testing {
 /// Has Qt's event loop for a test of this thread.
 class EventLoopTest : public ::testing::Test {
 protected:
-    /// Runs the loop until the condition holds; whether it did within ten seconds.
+    /// Runs the loop until the condition holds; whether it did in time.
     template <typename Condition>
-    bool waitUntil(Condition condition) {
+    bool waitUntil(Condition condition, int mostMilliseconds = 10'000) {
         QElapsedTimer timer;
         timer.start();
-        while (!condition() && timer.elapsed() < 10'000)
+        while (!condition() && timer.elapsed() < mostMilliseconds)
             letPass(1);
         return condition();
     }

@@ -3,13 +3,14 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 #include <QSslKey>
+#include <QSslServer>
 #include <gtest/gtest.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
 
-#include <memory>
+#include <string_view>
 #include <utility>
 
 /// Read by LeakSanitizer where it is built in. Qt 6.4 at times leaves the certificates of a refused
@@ -22,7 +23,7 @@ namespace fleetwise::testing {
 
 namespace {
 
-/// Before anything else uses OpenSSL; QtFeedDownload says what for.
+/// Before anything else uses OpenSSL; keepOpenSslToTheEnd says what for.
 [[maybe_unused]] const int isKeptToTheEnd = OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 
 using Memory = std::unique_ptr<BIO, decltype(&BIO_free)>;
@@ -52,6 +53,38 @@ void describe(X509* certificate, const char* names) {
     addExtension(certificate, NID_subject_alt_name, names);
 }
 
+/// Has sockets of the encrypting kind that encrypt nothing.
+class PlainServer final : public QTcpServer {
+protected:
+    void incomingConnection(qintptr descriptor) override {
+        auto* const client = new QSslSocket(this);
+        client->setSocketDescriptor(descriptor);
+        addPendingConnection(client);
+    }
+};
+
+std::unique_ptr<QTcpServer> encryptingServer(const ServerIdentity& identity) {
+    auto configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(
+        QSslCertificate(QByteArray::fromStdString(identity.certificate)));
+    configuration.setPrivateKey(QSslKey(QByteArray::fromStdString(identity.key), QSsl::Ec));
+    auto server = std::make_unique<QSslServer>();
+    server->setSslConfiguration(configuration);
+    return server;
+}
+
+/// Whether head and body are there.
+bool isWhole(const std::string& request) {
+    constexpr std::string_view headEnd = "\r\n\r\n";
+    constexpr std::string_view lengthName = "\r\nContent-Length: ";
+    const auto end = request.find(headEnd);
+    if (end == std::string::npos) return false;
+    const auto length = request.find(lengthName);
+    const std::size_t bodyLength =
+        length < end ? std::stoul(request.substr(length + lengthName.size())) : 0;
+    return request.size() >= end + headEnd.size() + bodyLength;
+}
+
 }  // namespace
 
 ServerIdentity ServerIdentity::made(const char* names) {
@@ -68,35 +101,40 @@ ServerIdentity ServerIdentity::made(const char* names) {
     return {contentsOf(certificateText.get()), contentsOf(keyText.get())};
 }
 
-HttpsServer::HttpsServer(const ServerIdentity& identity, Answer givenAnswer)
-    : answer(std::move(givenAnswer)) {
-    auto configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setLocalCertificate(
-        QSslCertificate(QByteArray::fromStdString(identity.certificate)));
-    configuration.setPrivateKey(QSslKey(QByteArray::fromStdString(identity.key), QSsl::Ec));
-    server.setSslConfiguration(configuration);
-    QObject::connect(&server, &QTcpServer::pendingConnectionAvailable, &server, [this] {
-        auto* client = qobject_cast<QSslSocket*>(server.nextPendingConnection());
+HttpServer::HttpServer(std::string givenScheme, std::unique_ptr<QTcpServer> givenServer,
+                       Answer givenAnswer)
+    : scheme(std::move(givenScheme)),
+      answer(std::move(givenAnswer)),
+      server(std::move(givenServer)) {
+    QObject::connect(server.get(), &QTcpServer::pendingConnectionAvailable, server.get(), [this] {
+        auto* client = qobject_cast<QSslSocket*>(server->nextPendingConnection());
         if (client != nullptr) serve(*client);
     });
-    EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
+    EXPECT_TRUE(server->listen(QHostAddress::LocalHost));
 }
 
-std::string HttpsServer::address(const std::string& path) const {
-    return "https://127.0.0.1:" + std::to_string(server.serverPort()) + path;
+HttpServer::HttpServer(Answer givenAnswer)
+    : HttpServer("http", std::make_unique<PlainServer>(), std::move(givenAnswer)) {}
+
+HttpsServer::HttpsServer(const ServerIdentity& identity, Answer givenAnswer)
+    : HttpServer("https", encryptingServer(identity), std::move(givenAnswer)) {}
+
+std::string HttpServer::address(const std::string& path) const {
+    return scheme + "://127.0.0.1:" + std::to_string(server->serverPort()) + path;
 }
 
-void HttpsServer::serve(QSslSocket& client) {
+void HttpServer::serve(QSslSocket& client) {
+    ++accepted;
     const auto request = std::make_shared<std::string>();
     const auto read = [this, request, &client] {
         *request += client.readAll().toStdString();
-        if (request->ends_with("\r\n\r\n")) answer(client, std::exchange(*request, {}));
+        if (isWhole(*request)) answer(client, std::exchange(*request, {}));
     };
     QObject::connect(&client, &QSslSocket::readyRead, &client, read);
     read();
 }
 
-void HttpsServer::send(QSslSocket& client, const std::string& head, const std::string& body) {
+void HttpServer::send(QSslSocket& client, const std::string& head, const std::string& body) {
     const std::string answer = "HTTP/1.1 " + head +
                                "\r\nContent-Length: " + std::to_string(body.size()) +
                                "\r\nConnection: close\r\n\r\n" + body;

@@ -43,21 +43,33 @@ TEST(ResumeCommand, isTheAgentsOwn) {
     EXPECT_EQ(ResumeCommand::text("1", "/a b", claude, "codex"), "cd '/a b' && claude --resume 1");
     EXPECT_EQ(ResumeCommand::text("1", "/a", codex, "/x y/codex"),
               "cd /a && '/x y/codex' resume 1");
+    EXPECT_EQ(ResumeCommand::text("1", "a", claude, "codex"), "claude --resume 1");
+    EXPECT_EQ(ResumeCommand::resumeOnly("1", claude, "/x y/claude"), "'/x y/claude' --resume 1");
     EXPECT_FALSE(ResumeCommand::text("1", "/a", SessionAgent("gemini"), "codex"));
+    EXPECT_FALSE(ResumeCommand::text("", "/a", claude, "codex"));
+    EXPECT_FALSE(ResumeCommand::text("-1", "/a", codex, "codex"));
 }
 
-TEST(ResumeCommand, findsTheFirstCodex) {
-    std::set<std::string> files;
-    const auto found = [&] {
-        return ResumeCommand::codexExecutable(
-            "/home/u", [&](const std::string& path) { return files.contains(path); });
+TEST(ResumeCommand, findsTheFirstProgram) {
+    const struct {
+        std::string (*find)(const std::string& home, const ResumeCommand::Exists& exists);
+        std::vector<const char*> places;  ///< the last choice first
+    } rows[] = {
+        {ResumeCommand::codexExecutable,
+         {"codex", "/home/u/.local/bin/codex", "/usr/local/bin/codex", "/opt/homebrew/bin/codex",
+          "/home/u/.codex/bin/codex", "/home/u/.codex/plugins/.plugin-appserver/codex"}},
+        {ResumeCommand::claudeExecutable,
+         {"claude", "/opt/homebrew/bin/claude", "/usr/local/bin/claude",
+          "/home/u/.claude/local/claude", "/home/u/.local/bin/claude"}},
     };
-    EXPECT_EQ(found(), "codex");
-    for (const char* place :
-         {"/home/u/.local/bin/codex", "/usr/local/bin/codex", "/opt/homebrew/bin/codex",
-          "/home/u/.codex/bin/codex", "/home/u/.codex/plugins/.plugin-appserver/codex"}) {
-        files.insert(place);
-        EXPECT_EQ(found(), place);
+    for (const auto& row : rows) {
+        std::set<std::string> files;
+        for (const char* place : row.places) {
+            if (*place == '/') files.insert(place);
+            EXPECT_EQ(
+                row.find("/home/u", [&](const std::string& path) { return files.contains(path); }),
+                place);
+        }
     }
 }
 
@@ -98,6 +110,7 @@ TEST_F(ResumeLauncherTest, tellsEachTerminalInItsWay) {
     const struct {
         const char* terminal;
         Words before;
+        const char* script = "/x/y z";
     } rows[] = {
         {"x-terminal-emulator", {"-e"}},
         {"gnome-terminal", {"--"}},
@@ -106,7 +119,15 @@ TEST_F(ResumeLauncherTest, tellsEachTerminalInItsWay) {
         {"alacritty", {"-e"}},
         {"wezterm", {"start", "--"}},
         {"foot", {}},
+        {"ptyxis", {"--"}},
+        {"kgx", {"--"}},
+        {"ghostty", {"-e"}},
+        {"tilix", {"-e"}},
+        {"terminator", {"-x"}},
         {"xfce4-terminal", {"-x"}},
+        {"mate-terminal", {"-x"}},
+        {"lxterminal", {}, "--command='/x/y z'"},
+        {"terminology", {"-e"}, "'/x/y z'"},
         {"xterm", {"-e"}},
         {"/opt/x/kitty", {}},
         {"other", {"-e"}},
@@ -115,7 +136,7 @@ TEST_F(ResumeLauncherTest, tellsEachTerminalInItsWay) {
         SCOPED_TRACE(row.terminal);
         Words expected{row.terminal};
         expected.insert(expected.end(), row.before.begin(), row.before.end());
-        expected.emplace_back("/x/y z");
+        expected.emplace_back(row.script);
         EXPECT_EQ(ResumeLauncher::commandLine(row.terminal, "/x/y z"), expected);
     }
 }
@@ -154,6 +175,14 @@ TEST_F(ResumeLauncherTest, opensTheChosenTerminalOrTheFirstThatStarts) {
     }
 }
 
+TEST_F(ResumeLauncherTest, listsTheTerminalsInTheOrderOfTrying) {
+    installed = {"xterm", "other", "kitty", "kgx"};
+    EXPECT_EQ(ResumeLauncher::terminals([this](const std::string& program) {
+                  return installed.contains(program) ? std::optional(program) : std::nullopt;
+              }),
+              (Words{"kgx", "kitty", "xterm"}));
+}
+
 TEST_F(ResumeLauncherTest, writesTheScriptForItsOwnerOnly) {
     installed = {"xterm"};
     folder.write("state/fortsetzen.command", "of the click before");
@@ -182,6 +211,8 @@ TEST(ResumeScript, runsTheAgentInTheSessionsFolder) {
         {"it's two words", "it's"},
         {"$(touch hit)`touch hit`\\", "$(touch hit)"},
         {"line\nbreak", "a;b"},
+        {"-rf", "x\ny"},
+        {"--/-P", "a$(touch hit)\n-b"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.folder);
@@ -192,7 +223,7 @@ TEST(ResumeScript, runsTheAgentInTheSessionsFolder) {
         const std::string project = home.makeDirectory(row.folder);
         const std::string script = home.write(
             "script", ResumeLauncher::script(
-                          project, *ResumeCommand::resumeOnly(row.sessionId, {}, "codex")));
+                          project, *ResumeCommand::resumeOnly(row.sessionId, {}, "claude")));
         const std::string run = "cd '" + home.path() + "' && PATH='" + home.at("bin") +
                                 "' /bin/sh '" + script + "' >'" + output + "' </dev/null";
         EXPECT_EQ(std::system(run.c_str()), 0);

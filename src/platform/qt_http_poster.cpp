@@ -44,37 +44,6 @@ const QtHttpPoster::Resolver systemResolver = [](const QString& host, QObject* c
     QHostInfo::lookupHost(host, context, std::move(found));
 };
 
-/// A body that can be read only once: Qt would send any other again, and the server might take it
-/// twice, when a connection ends without an answer.
-class SingleReading final : public QIODevice {
-public:
-    SingleReading(const std::string& text, QObject* parent)
-        : QIODevice(parent), rest(QByteArray::fromStdString(text)) {
-        open(ReadOnly | Unbuffered);
-    }
-
-    /// Whether nothing of it was sent.
-    bool isUnread() const { return !wasRead; }
-
-    bool isSequential() const override { return true; }
-    bool seek(qint64) override { return false; }
-    qint64 bytesAvailable() const override { return rest.size() + QIODevice::bytesAvailable(); }
-
-protected:
-    qint64 readData(char* into, qint64 most) override {
-        const qint64 count = std::min<qint64>(most, rest.size());
-        std::copy_n(rest.constData(), count, into);
-        rest.remove(0, count);
-        wasRead = wasRead || count > 0;
-        return count;
-    }
-    qint64 writeData(const char*, qint64) override { return -1; }
-
-private:
-    QByteArray rest;
-    bool wasRead = false;
-};
-
 }  // namespace
 
 /// One request; ends itself.
@@ -104,6 +73,37 @@ public:
     }
 
 private:
+    /// A body that can be read only once: Qt would send any other again, and the server might take
+    /// it twice, when a connection ends without an answer.
+    class SingleReading final : public QIODevice {
+    public:
+        SingleReading(const std::string& text, QObject* parent)
+            : QIODevice(parent), rest(QByteArray::fromStdString(text)) {
+            open(ReadOnly | Unbuffered);
+        }
+
+        /// Whether nothing of it was sent.
+        bool isUnread() const { return !wasRead; }
+
+        bool isSequential() const override { return true; }
+        bool seek(qint64) override { return false; }
+        qint64 bytesAvailable() const override { return rest.size() + QIODevice::bytesAvailable(); }
+
+    protected:
+        qint64 readData(char* into, qint64 most) override {
+            const qint64 count = std::min<qint64>(most, rest.size());
+            std::copy_n(rest.constData(), count, into);
+            rest.remove(0, count);
+            wasRead = wasRead || count > 0;
+            return count;
+        }
+        qint64 writeData(const char*, qint64) override { return -1; }
+
+    private:
+        QByteArray rest;
+        bool wasRead = false;
+    };
+
     void begin() {
         if (url.host().isEmpty()) return refuse(Webhook::AddressError::incomplete);
         if (url.scheme() == QLatin1String("https")) return send(url);

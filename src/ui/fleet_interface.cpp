@@ -82,6 +82,7 @@ void FleetInterface::show(const Notification& notification) {
     for (const std::string& text : {notification.subtitle, notification.body}) {
         if (!text.empty()) lines << messageLine(text);
     }
+    toldSession = notification.sessionId;
     tray.showMessage(messageLine(notification.title), lines.join(u'\n'));
 }
 
@@ -98,6 +99,10 @@ void FleetInterface::connectTray() {
     connect(&tray, &TrayItem::windowWanted, &window, &FleetWindow::bringUp);
     // Not quit(), which any window can refuse by not closing.
     connect(&tray, &TrayItem::quitWanted, &application, [] { QApplication::exit(); });
+    connect(&tray, &TrayItem::messageClicked, this, [this] {
+        if (!toldSession.empty())
+            monitor.answerNotification(toldSession, NotificationAction::focus);
+    });
     connect(&tray, &TrayItem::availabilityChanged, this, &FleetInterface::followTray);
 }
 

@@ -35,7 +35,8 @@ public:
     /// Says something in the main window, for a while.
     void tell(const QString& message) { window.tell(message); }
 
-    /// Shows it beside the mark in the tray, where that can be seen.
+    /// Shows it beside the mark in the tray, where that can be seen. A click brings the session's
+    /// window to the front.
     void show(const Notification& notification);
 
 private:
@@ -68,7 +69,8 @@ private:
     std::unique_ptr<UsageWindow> usageWindow;  ///< made when it is first wanted
     TrayItem tray;
     MarkFigures shownMark;
-    QTimer markClock;  ///< moves what the mark tells of time
+    std::string toldSession;  ///< of the latest message beside the mark; may be empty
+    QTimer markClock;         ///< moves what the mark tells of time
     bool hasStarted = false;
 };
 

@@ -21,6 +21,7 @@ TrayItem::TrayItem(QObject* parent) : QObject(parent), menu(std::make_unique<QMe
     menu->addAction(shown("Beenden"_text), this, &TrayItem::quitWanted);
     icon.setContextMenu(menu.get());
     connect(&icon, &QSystemTrayIcon::activated, this, &TrayItem::react);
+    connect(&icon, &QSystemTrayIcon::messageClicked, this, &TrayItem::messageClicked);
     redraw();
     search.setTimerType(Qt::VeryCoarseTimer);
     connect(&search, &QTimer::timeout, this, &TrayItem::lookForTray);

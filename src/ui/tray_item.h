@@ -42,6 +42,7 @@ signals:
     void popoverWanted(const QRect& anchor);
     void windowWanted();
     void quitWanted();
+    void messageClicked();
     void availabilityChanged();
 
 private:

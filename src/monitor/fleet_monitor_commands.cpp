@@ -172,8 +172,13 @@ void FleetMonitor::carryOut(
     const std::function<tl::expected<void, std::string>(const Session&)>& operation) {
     const Session* found = session(id);
     if (found == nullptr) return;
+    const bool hadNotice = notices.erase(id) > 0;
     const auto done = operation(*found);
-    if (!done) setNotice(id, done.error());
+    if (!done) {
+        setNotice(id, done.error());
+    } else if (hadNotice) {
+        notify(&Observer::fleetChanged);
+    }
 }
 
 void FleetMonitor::requestWindow() {

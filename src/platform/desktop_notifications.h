@@ -24,8 +24,8 @@ public:
     /// Of so many of the newest notifications it is known that they can still be seen.
     static constexpr std::size_t maximumKnown = 500;
 
-    /// `bus` is the session's; it may be without a connection. What can still be seen is closed
-    /// at the end, since nobody would hear of a click.
+    /// `bus` is the session's; it may be without a connection. What is known to be
+    /// seen is closed at the end, since nobody would hear of a click.
     DesktopNotifications(const QDBusConnection& bus, Activated activated, Refused refused);
     ~DesktopNotifications() override;
 

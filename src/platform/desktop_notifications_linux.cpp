@@ -3,6 +3,7 @@
 #include "platform/notify_call.h"
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -143,9 +144,14 @@ private:
                 capabilities = reply.value();
             }
             tell(!reply.isError());
-            // One that has come may not have had the time to answer.
-            if (reply.isError() && !newestOwner.isEmpty()) retry.start(retryTime);
+            if (reply.isError() && mayAnswerLater(reply.error().type())) retry.start(retryTime);
         });
+    }
+
+    /// One that runs may not have had the time to answer.
+    bool mayAnswerLater(QDBusError::ErrorType error) const {
+        return !newestOwner.isEmpty() || error == QDBusError::NoReply ||
+               error == QDBusError::Timeout || error == QDBusError::TimedOut;
     }
 
     void askWhoCanBeStarted() {
@@ -163,6 +169,7 @@ private:
     void followTo(const QString& nextOwner) {
         newestOwner = nextOwner;
         retry.stop();
+        if (!nextOwner.isEmpty()) askWhoCanBeStarted();
         // Whoever came because of the question will answer it.
         if (question && owner.isEmpty() && !nextOwner.isEmpty()) return;
         // The call that started it is still under way, and stands among what is shown.
@@ -172,13 +179,26 @@ private:
             // It may be another program than the one before.
             return askForCapabilities();
         }
-        const bool rests = nextOwner.isEmpty() && canBeStarted && told == true;
+        const std::vector<Notification> lost = unanswered();
+        const bool rests = nextOwner.isEmpty() && canBeStarted && told == true && lost.empty();
         owner = rests ? QString(notificationService) : QString();
         shown.clear();
         question.reset();
         if (!answered || rests) return;
         tell(false);
-        if (!nextOwner.isEmpty()) askForCapabilities();
+        for (const Notification& notification : lost)
+            refused(notification);
+        if (!nextOwner.isEmpty() || canBeStarted) askForCapabilities();
+    }
+
+    /// What the service was given, and may not have shown.
+    std::vector<Notification> unanswered() const {
+        std::vector<Notification> notifications;
+        for (const Entry& one : shown) {
+            if (one.answer && !one.isWithdrawn)
+                notifications.push_back(one.next.value_or(one.content));
+        }
+        return notifications;
     }
 
     /// Some services end while there is nothing to show. The bus starts them with the next call.

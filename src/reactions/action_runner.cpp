@@ -4,6 +4,7 @@
 #include "localisation/localisation.h"
 
 #include <algorithm>
+#include <chrono>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -58,7 +59,8 @@ void ActionRunner::start(const StateAction::Plan& plan, SessionState state,
 }
 
 void ActionRunner::dropWhatWaitedTooLong() {
-    while (!waiting.empty() && now() - waiting.front().at > longestWait) {
+    // In both directions: the clock may have been set.
+    while (!waiting.empty() && std::chrono::abs(now() - waiting.front().at) > longestWait) {
         remember(waiting.front(), randomUuid(), localised("Zu lange gewartet — verworfen."_text));
         waiting.pop_front();
     }

@@ -65,12 +65,16 @@ void SoundPlayer::react(const FleetChange& change) {
 }
 
 void SoundPlayer::play(std::string_view name, Date now) {
-    const auto last = lastPlayed.find(name);
-    // A clock that was set back must not make this wait.
-    if (last != lastPlayed.end() && now >= last->second && now - last->second < pause) return;
-    if (playing.contains(name)) return;
+    if (isTooSoon(name, now)) return;
     const auto file = fileOf(name);
     if (file && start(name, *file)) lastPlayed.insert_or_assign(std::string(name), now);
+}
+
+bool SoundPlayer::isTooSoon(std::string_view name, Date now) const {
+    const auto last = lastPlayed.find(name);
+    // A clock that was set back must not make this wait.
+    if (last == lastPlayed.end() || now < last->second) return false;
+    return now - last->second < (playing.contains(name) ? longestSound : pause);
 }
 
 std::optional<std::string> SoundPlayer::fileOf(std::string_view name) const {

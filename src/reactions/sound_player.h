@@ -25,6 +25,8 @@ public:
     static constexpr std::string_view none = "—";
     /// A sound is not begun again sooner, nor while it plays.
     static constexpr Seconds pause{1};
+    /// A player that takes longer hangs, and is no longer minded.
+    static constexpr Seconds longestSound{30};
 
     /// `folders` hold the sounds, see systemFolders. `processes` outlives this.
     SoundPlayer(ChildProcesses& processes, Lookup lookup,
@@ -51,6 +53,8 @@ private:
     ChildProcesses& processes;
     Lookup lookup;
     std::vector<std::string> folders;
+    bool isTooSoon(std::string_view name, Date now) const;
+
     std::map<std::string, Date, std::less<>> lastPlayed;
     std::set<std::string, std::less<>> playing;  ///< the names of what has not ended yet
     const std::shared_ptr<bool> aliveToken = std::make_shared<bool>(true);

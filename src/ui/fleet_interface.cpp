@@ -100,8 +100,8 @@ void FleetInterface::connectTray() {
     // Not quit(), which any window can refuse by not closing.
     connect(&tray, &TrayItem::quitWanted, &application, [] { QApplication::exit(); });
     connect(&tray, &TrayItem::messageClicked, this, [this] {
-        if (!toldSession.empty())
-            monitor.answerNotification(toldSession, NotificationAction::focus);
+        if (toldSession.empty()) return window.bringUp();
+        monitor.answerNotification(toldSession, NotificationAction::focus);
     });
     connect(&tray, &TrayItem::availabilityChanged, this, &FleetInterface::followTray);
 }

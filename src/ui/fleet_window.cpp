@@ -135,9 +135,9 @@ void FleetWindow::bringUp() {
 
 void FleetWindow::sessionRequested(const std::string& id) {
     bringUp();
-    if (view->select(id)) return;
-    filterBar->clearSearch();
     if (view->select(id) || monitor.session(id) == nullptr) return;
+    filterBar->clearSearch();
+    if (view->select(id)) return;
     monitor.change(Settings::activeFilters, {});
     view->select(id);
 }

@@ -121,7 +121,7 @@ TEST_F(SessionCommandsTest, focusesTheTerminalThatShowsTmux) {
     programs.clients = "60 1 $1 /dev/pts/1\n";
     // What shows the session is not taken for a server that it runs in: it has no pane.
     EXPECT_TRUE(commands.focus(session));
-    EXPECT_EQ(windows.raised, (Processes{60, 50}));
+    EXPECT_EQ(windows.raised, (Processes{50}));
     programs.clients = "";
     EXPECT_EQ(commands.focus(session).error(),
               "Die tmux-Sitzung »Umbau« ist mit keinem Terminal verbunden");
@@ -168,6 +168,10 @@ TEST_F(SessionCommandsTest, resumesWithTheProgramThatIsThere) {
         if (::access(place, F_OK) == 0) GTEST_SKIP() << place << " is installed";
     }
     install("bin/xterm");
+    EXPECT_EQ(commands.resume(session).error(), "Diese Sitzung läuft bereits");
+    session.isLive = false;
+    EXPECT_EQ(commands.focus(session).error(), "Zu dieser Sitzung wurde kein Fenster gefunden")
+        << "its process may be another one by now";
     EXPECT_EQ(commands.resume(session).error(),
               "Das Programm von Claude Code wurde nicht gefunden");
     EXPECT_TRUE(launcher.commands.empty());

@@ -79,8 +79,8 @@ TEST_F(WindowFocusTest, raisesAndTellsTheWindowInFront) {
 
     xcb_destroy_window(connection, second);
     xcb_flush(connection);
-    EXPECT_TRUE(focus->raise({4712}));
-    EXPECT_TRUE(becomesFocused({.process = 4712, .isOnlyOne = true}));
+    const FocusedWindow first{.process = 4712, .isOnlyOne = true};
+    EXPECT_TRUE(waitUntil([&] { return focus->raise({4712}) && focus->focused() == first; }));
 }
 
 }  // namespace

@@ -22,16 +22,17 @@ std::optional<std::string> shellWord(std::string_view text) {
         const char character = text[index];
         if (character == '\'') {
             isQuoted = !isQuoted;
-        } else if (isQuoted) {
-            word += character;
-        } else if (character == '\\' && index + 1 < text.size()) {
-            word += text[++index];
-        } else if (std::string_view(" \t\n;&|<>()$`\"*?[#~!{}^").find(character) !=
-                   std::string_view::npos) {
-            return {};
-        } else {
-            word += character;
+            continue;
         }
+        if (!isQuoted && character == '\\' && index + 1 < text.size()) {
+            word += text[++index];
+            continue;
+        }
+        if (!isQuoted && std::string_view(" \t\n;&|<>()$`\"*?[#~!{}^").find(character) !=
+                             std::string_view::npos) {
+            return {};
+        }
+        word += character;
     }
     if (isQuoted) return {};
     return word;

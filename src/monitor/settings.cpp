@@ -100,7 +100,7 @@ Settings::Strings Settings::get(const Setting<Strings>& setting) const {
 }
 
 Json Settings::get(const Setting<Json>& setting) const {
-    const Json value = defaults.value(std::string(setting.key));
+    Json value = defaults.value(std::string(setting.key));
     if (value.type() == setting.fallback.type()) return value;
     // A store that keeps text only hands back text.
     const auto parsed = value.is_string() ? parseJson(value.get<std::string>()) : std::nullopt;

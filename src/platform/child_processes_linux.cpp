@@ -64,6 +64,7 @@ public:
 /// The texts in the form that the system takes, which changes none of them.
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
@@ -83,7 +84,7 @@ tl::expected<::pid_t, int> spawn(const ChildCommand& command) {
     std::vector<std::string> variables;
     if (command.environment) {
         for (const auto& [name, value] : *command.environment)
-            variables.push_back(name + "=" + value);
+            variables.push_back(std::string(name).append("=").append(value));
     }
     if (holdsNull(words) || holdsNull(variables)) return tl::unexpected(EINVAL);
     const auto arguments = pointersTo(words);

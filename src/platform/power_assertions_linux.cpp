@@ -26,7 +26,7 @@ const QString olderScreenSaverPath = QStringLiteral("/ScreenSaver");
 /// Held while the descriptor is open.
 class SleepLock final : public PowerAssertion {
 public:
-    explicit SleepLock(QDBusUnixFileDescriptor given) : descriptor(std::move(given)) {}
+    explicit SleepLock(const QDBusUnixFileDescriptor& given) : descriptor(given) {}
 
 private:
     QDBusUnixFileDescriptor descriptor;

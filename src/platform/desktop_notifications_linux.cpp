@@ -136,11 +136,11 @@ private:
         connect(question.get(), &QDBusPendingCallWatcher::finished, this, [this] {
             const QDBusPendingReply<QStringList> reply = *question;
             question.release()->deleteLater();
-            const QString service = reply.reply().service();
-            const bool isOfAnother = !newestOwner.isEmpty() && newestOwner != service;
+            const QString answerer = reply.reply().service();
+            const bool isOfAnother = !newestOwner.isEmpty() && newestOwner != answerer;
             if (!reply.isError() && isOfAnother) return askForCapabilities();
             if (!reply.isError()) {
-                owner = service;
+                owner = answerer;
                 capabilities = reply.value();
             }
             tell(!reply.isError());

@@ -35,16 +35,16 @@ bool isId(std::string_view text, char kind) {
 std::vector<TmuxPane> TmuxPane::parse(std::string_view listing) {
     std::vector<TmuxPane> panes;
     forEachLine(listing, [&](std::string_view line) {
-        const auto process = numberIn<std::int32_t>(takeWord(line));
-        const std::string_view id = takeWord(line);
-        const std::string_view window = takeWord(line);
-        const std::string_view session = takeWord(line);
-        if (!process || *process <= 1) return;
-        if (!isId(id, '%') || !isId(window, '@') || !isId(session, '$')) return;
-        panes.push_back({.process = *process,
-                         .id = std::string(id),
-                         .window = std::string(window),
-                         .session = std::string(session),
+        const auto processId = numberIn<std::int32_t>(takeWord(line));
+        const std::string_view paneId = takeWord(line);
+        const std::string_view windowId = takeWord(line);
+        const std::string_view sessionId = takeWord(line);
+        if (!processId || *processId <= 1) return;
+        if (!isId(paneId, '%') || !isId(windowId, '@') || !isId(sessionId, '$')) return;
+        panes.push_back({.process = *processId,
+                         .id = std::string(paneId),
+                         .window = std::string(windowId),
+                         .session = std::string(sessionId),
                          .sessionName = printable(line)});
     });
     return panes;
@@ -53,14 +53,14 @@ std::vector<TmuxPane> TmuxPane::parse(std::string_view listing) {
 std::vector<TmuxClient> TmuxClient::parse(std::string_view listing) {
     std::vector<TmuxClient> clients;
     forEachLine(listing, [&](std::string_view line) {
-        const auto process = numberIn<std::int32_t>(takeWord(line));
-        const auto lastActivity = numberIn<std::int64_t>(takeWord(line));
-        const std::string_view session = takeWord(line);
-        if (!process || *process <= 1 || !lastActivity || !isId(session, '$') || line.empty())
+        const auto processId = numberIn<std::int32_t>(takeWord(line));
+        const auto activeAt = numberIn<std::int64_t>(takeWord(line));
+        const std::string_view sessionId = takeWord(line);
+        if (!processId || *processId <= 1 || !activeAt || !isId(sessionId, '$') || line.empty())
             return;
-        clients.push_back({.process = *process,
-                           .lastActivity = *lastActivity,
-                           .session = std::string(session),
+        clients.push_back({.process = *processId,
+                           .lastActivity = *activeAt,
+                           .session = std::string(sessionId),
                            .name = std::string(line)});
     });
     return clients;

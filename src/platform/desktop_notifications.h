@@ -10,9 +10,9 @@ class QDBusConnection;
 
 namespace fleetwise {
 
-/// The notifications of the desktop: the service org.freedesktop.Notifications of the Desktop
-/// Notifications Specification 1.2. The user can be told while that runs; asking starts it where
-/// that is possible. Needs Qt's event loop.
+/// The notifications of the desktop: the service org.freedesktop.Notifications, version 1.2 of what
+/// freedesktop.org describes. The user can be told while that runs; asking starts it where that is
+/// possible. Needs Qt's event loop.
 class DesktopNotifications final : public NotificationCentre {
 public:
     /// Told what the user chose on a notification about a session.

@@ -16,8 +16,8 @@ QVariantList notifyArguments(const Notification& notification, const QStringList
 /// The key that the notification's button has with the service.
 QString buttonKey(NotificationAction button);
 
-/// The key of a click on the notification itself, as the Desktop Notifications Specification names
-/// it.
+/// The key of a click on the notification itself (freedesktop.org, Desktop Notifications 1.2,
+/// "Notify").
 inline constexpr const char* clickKey = "default";
 
 }  // namespace fleetwise

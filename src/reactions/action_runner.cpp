@@ -15,8 +15,6 @@ ActionRunner::ActionRunner(ChildProcesses& givenProcesses, std::function<Date()>
                            StateAction::FileSystem givenFileSystem)
     : processes(givenProcesses), now(std::move(givenNow)), fileSystem(std::move(givenFileSystem)) {}
 
-ActionRunner::~ActionRunner() = default;
-
 void ActionRunner::react(const FleetChange& change) {
     dropWhatWaitedTooLong();
     for (const Transition& transition : change.transitions)

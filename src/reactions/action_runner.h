@@ -40,7 +40,6 @@ public:
     /// All that is given outlives this.
     ActionRunner(ChildProcesses& processes, std::function<Date()> now,
                  StateAction::FileSystem fileSystem = StateAction::lookAtDisk);
-    ~ActionRunner() override;
 
     /// Runs what the transitions ask for, and forgets sessions that are gone.
     void react(const FleetChange& change) override;

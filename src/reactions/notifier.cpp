@@ -48,7 +48,7 @@ bool comesThrough(SessionState state) {
            state == SessionState::done;
 }
 
-constexpr bool asksSomething(SessionState state) {
+constexpr bool isQuestion(SessionState state) {
     return state <= SessionState::waiting;
 }
 
@@ -102,7 +102,7 @@ void Notifier::report(const FleetChange& change) {
         if (!rules.summarizesSelfDriven || !session.isSelfDriven() || comesThrough(session.state)) {
             if (!isSpared(session, change)) {
                 post(session, change.now);
-            } else if (asksSomething(session.state)) {
+            } else if (isQuestion(session.state)) {
                 spared.insert_or_assign(session.id, session.state);
             }
         } else if (session.state != SessionState::working) {

@@ -42,8 +42,8 @@ public:
     /// The names of the sounds, in their order: files in ".aiff" and ".oga", without that.
     std::vector<std::string> available() const;
 
-    /// Where macOS and the desktops of Linux keep theirs (freedesktop.org Sound Theme
-    /// Specification).
+    /// Where macOS and the desktops of Linux keep theirs (freedesktop.org, Sound Theme and Naming
+    /// 0.8).
     static std::vector<std::string> systemFolders();
 
 private:

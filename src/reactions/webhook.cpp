@@ -41,8 +41,6 @@ Json document(std::string_view event, Date at) {
 Webhook::Webhook(HttpPoster& givenPoster, std::string givenVersion, std::function<Date()> givenNow)
     : poster(givenPoster), version(std::move(givenVersion)), now(std::move(givenNow)) {}
 
-Webhook::~Webhook() = default;
-
 void Webhook::react(const FleetChange& change) {
     if (trimmed(change.rules.webhookURL).empty()) return;
     for (const Transition& transition : change.transitions)

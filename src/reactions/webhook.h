@@ -38,7 +38,6 @@ public:
 
     /// `poster` outlives this. `version` is this program's, such as "0.1.0".
     Webhook(HttpPoster& poster, std::string version, std::function<Date()> now);
-    ~Webhook() override;
 
     /// Sends the transitions, where an address is set.
     void react(const FleetChange& change) override;

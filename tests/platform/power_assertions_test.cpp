@@ -206,7 +206,9 @@ TEST_F(PowerAssertionsTest, areLetGoWhenTheProgramIsKilled) {
     QProcess holder;
     holder.start(FLEETWISE_AWAKE_HOLDER,
                  {QString::fromStdString(bus->address()), QString::fromStdString(bus->address())});
-    EXPECT_TRUE(waitUntil([&] { return power->held() == 2; }));
+    // By then the fake has been told of what it watches, too.
+    EXPECT_TRUE(waitUntil([&] { return holder.canReadLine(); }));
+    EXPECT_EQ(power->held(), 2U);
     holder.kill();
     holder.waitForFinished();
     EXPECT_EQ(holder.exitStatus(), QProcess::CrashExit);

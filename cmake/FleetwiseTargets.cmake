@@ -68,9 +68,11 @@ function(fleetwise_kind variable name)
     endif()
 endfunction()
 
-# Sources of the folder `directory`; a file named *_linux.cpp or *_macos.cpp is built only there.
+# Sources of the folder `directory` and of the rooms in it; a file named *_linux.cpp or *_macos.cpp is
+# built only there.
 function(fleetwise_sources variable directory)
-    file(GLOB files CONFIGURE_DEPENDS ${directory}/*.cpp ${directory}/*.h)
+    file(GLOB files CONFIGURE_DEPENDS ${directory}/*.cpp ${directory}/*.h ${directory}/*/*.cpp
+         ${directory}/*/*.h)
     if(APPLE)
         list(FILTER files EXCLUDE REGEX "_linux\\.cpp$")
     else()

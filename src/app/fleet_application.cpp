@@ -10,8 +10,8 @@
 #include "platform/single_instance.h"
 #include "platform/termination_signals.h"
 #include "sources/paths.h"
+#include "ui/base/interface_text.h"
 #include "ui/fleet_interface.h"
-#include "ui/interface_text.h"
 
 #include <QApplication>
 #include <QCryptographicHash>

@@ -10,7 +10,7 @@
 #include "monitor/settings.h"
 #include "platform/qt_main_loop.h"
 #include "platform/qt_user_defaults.h"
-#include "ui/artwork.h"
+#include "ui/mark/artwork.h"
 
 #include <QGuiApplication>
 #include <tl/expected.hpp>

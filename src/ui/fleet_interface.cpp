@@ -2,12 +2,12 @@
 
 #include "fleet/cost_texts.h"
 #include "foundation/text.h"
-#include "ui/cost_display.h"
-#include "ui/interface_text.h"
-#include "ui/mark_settings.h"
-#include "ui/mark_tooltip.h"
-#include "ui/quota_figures.h"
-#include "ui/theme.h"
+#include "ui/base/cost_display.h"
+#include "ui/base/interface_text.h"
+#include "ui/base/theme.h"
+#include "ui/mark/mark_settings.h"
+#include "ui/mark/mark_tooltip.h"
+#include "ui/quota/quota_figures.h"
 
 #include <QApplication>
 #include <QWindow>

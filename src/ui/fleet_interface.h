@@ -1,12 +1,12 @@
 #pragma once
 
 #include "monitor/fleet_monitor.h"
-#include "ui/fleet_list_model.h"
-#include "ui/fleet_popover.h"
-#include "ui/fleet_window.h"
-#include "ui/session_row_delegate.h"
-#include "ui/tray_item.h"
-#include "ui/usage_window.h"
+#include "ui/fleet/fleet_list_model.h"
+#include "ui/fleet/fleet_window.h"
+#include "ui/fleet/session_row_delegate.h"
+#include "ui/tray/fleet_popover.h"
+#include "ui/tray/tray_item.h"
+#include "ui/usage/usage_window.h"
 
 #include <QPalette>
 #include <QTimer>

@@ -4,7 +4,7 @@
 #include "foundation/json.h"
 #include "program_run.h"
 #include "sources/paths.h"
-#include "ui/fleet_list_model.h"
+#include "ui/fleet/fleet_list_model.h"
 
 #include <QCoreApplication>
 #include <gmock/gmock.h>

@@ -94,6 +94,20 @@ TEST(Includes, formNoCircles) {
     }
 }
 
+TEST(Includes, formNoCirclesOfTheInterfacesRooms) {
+    const auto roomOf = [](const std::string& file) { return file.substr(0, file.rfind('/')); };
+    Graph rooms;
+    for (const auto& [file, targets] : includedFiles()) {
+        if (folderOf(file) != "ui") continue;
+        for (const std::string& target : targets) {
+            if (roomOf(target) != roomOf(file)) rooms[roomOf(file)].insert(roomOf(target));
+        }
+    }
+    ASSERT_GT(rooms.size(), 3U);
+    for (const auto& [room, below] : rooms)
+        EXPECT_FALSE(reachable(rooms, room).contains(room)) << room;
+}
+
 TEST(Includes, keepTheInterfaceToolkitAtTheEdge) {
     const std::regex toolkit(R"(^\s*#\s*include\s*<Q[A-Z])");
     const std::set<std::string> mayUse{"platform", "ui", "app"};

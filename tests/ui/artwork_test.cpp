@@ -1,8 +1,8 @@
-#include "ui/artwork.h"
+#include "ui/mark/artwork.h"
 
 #include "foundation/atomic_file.h"
 #include "support/temporary_directory.h"
-#include "ui/artwork_images.h"
+#include "ui/mark/artwork_images.h"
 
 #include <QPainter>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Where things stand in a chart.
 
-#include "ui/chart_geometry.h"
+#include "ui/charts/chart_geometry.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

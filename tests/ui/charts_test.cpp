@@ -1,12 +1,12 @@
 // Charts as their user meets them: the marker by pointer and keys, the table beside them, the file.
 
 #include "support/temporary_directory.h"
-#include "ui/day_bars.h"
-#include "ui/figure_table_model.h"
-#include "ui/rank_bars.h"
-#include "ui/spending_page.h"
-#include "ui/table_export.h"
-#include "ui/time_chart.h"
+#include "ui/base/figure_table_model.h"
+#include "ui/base/table_export.h"
+#include "ui/charts/day_bars.h"
+#include "ui/charts/rank_bars.h"
+#include "ui/charts/time_chart.h"
+#include "ui/usage/spending_page.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

@@ -1,4 +1,4 @@
-#include "ui/fleet_list_model.h"
+#include "ui/fleet/fleet_list_model.h"
 
 #include "monitor/virtual_fleet.h"
 #include "ui/billed_session.h"

@@ -1,6 +1,6 @@
-#include "ui/fleet_popover.h"
+#include "ui/tray/fleet_popover.h"
 
-#include "ui/theme.h"
+#include "ui/base/theme.h"
 
 #include <QApplication>
 #include <QKeyEvent>

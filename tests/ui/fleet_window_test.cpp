@@ -1,18 +1,18 @@
 // The main window as its user meets it: keys, search, filters and the offer of the hook.
 
-#include "ui/fleet_window.h"
+#include "ui/fleet/fleet_window.h"
 
 #include "monitor/virtual_fleet.h"
+#include "ui/base/chip_button.h"
 #include "ui/billed_session.h"
-#include "ui/chip_button.h"
-#include "ui/cost_footer.h"
-#include "ui/filter_bar.h"
-#include "ui/fleet_list_model.h"
-#include "ui/fleet_view.h"
-#include "ui/hook_banner.h"
+#include "ui/fleet/cost_footer.h"
+#include "ui/fleet/filter_bar.h"
+#include "ui/fleet/fleet_list_model.h"
+#include "ui/fleet/fleet_view.h"
+#include "ui/fleet/hook_banner.h"
+#include "ui/fleet/view_menu.h"
 #include "ui/made_up_usage.h"
-#include "ui/quota_strip.h"
-#include "ui/view_menu.h"
+#include "ui/quota/quota_strip.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -2,9 +2,9 @@
 
 #include "localisation/localisation.h"
 #include "monitor/virtual_fleet.h"
-#include "ui/fleet_list_model.h"
-#include "ui/fleet_view.h"
-#include "ui/goal_dialog.h"
+#include "ui/fleet/fleet_list_model.h"
+#include "ui/fleet/fleet_view.h"
+#include "ui/fleet/goal_dialog.h"
 
 #include <QLabel>
 #include <QLineEdit>

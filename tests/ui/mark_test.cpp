@@ -1,7 +1,7 @@
-#include "ui/mark_painter.h"
-#include "ui/mark_settings.h"
-#include "ui/mark_tooltip.h"
-#include "ui/state_glyph.h"
+#include "ui/base/state_glyph.h"
+#include "ui/mark/mark_painter.h"
+#include "ui/mark/mark_settings.h"
+#include "ui/mark/mark_tooltip.h"
 
 #include <QImage>
 #include <gtest/gtest.h>

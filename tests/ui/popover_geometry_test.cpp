@@ -1,4 +1,4 @@
-#include "ui/popover_geometry.h"
+#include "ui/tray/popover_geometry.h"
 
 #include <gtest/gtest.h>
 

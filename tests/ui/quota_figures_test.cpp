@@ -1,8 +1,8 @@
-#include "ui/quota_figures.h"
+#include "ui/quota/quota_figures.h"
 
 #include "ui/made_up_usage.h"
-#include "ui/mark_tooltip.h"
-#include "ui/quota_painting.h"
+#include "ui/mark/mark_tooltip.h"
+#include "ui/quota/quota_painting.h"
 
 #include <QGuiApplication>
 #include <gtest/gtest.h>

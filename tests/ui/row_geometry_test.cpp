@@ -1,4 +1,4 @@
-#include "ui/row_geometry.h"
+#include "ui/fleet/row_geometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // What the menu of a session does, and how a notification leads to its row.
 
-#include "ui/session_menu.h"
+#include "ui/fleet/session_menu.h"
 
 #include "monitor/virtual_fleet.h"
-#include "ui/fleet_list_model.h"
-#include "ui/fleet_view.h"
-#include "ui/fleet_window.h"
+#include "ui/fleet/fleet_list_model.h"
+#include "ui/fleet/fleet_view.h"
+#include "ui/fleet/fleet_window.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,14 +1,14 @@
 // The usage window as its user meets it: what it says without data, and that it follows the monitor
 // while it can be seen.
 
-#include "ui/usage_window.h"
+#include "ui/usage/usage_window.h"
 
 #include "monitor/virtual_fleet.h"
+#include "ui/base/chip_button.h"
 #include "ui/billed_session.h"
-#include "ui/chip_button.h"
-#include "ui/day_bars.h"
+#include "ui/charts/day_bars.h"
+#include "ui/charts/time_chart.h"
 #include "ui/made_up_usage.h"
-#include "ui/time_chart.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -1,6 +1,7 @@
 #include "localisation/language.h"
 
 #include "foundation/text.h"
+#include "localisation/pseudo_language.h"
 
 #include <algorithm>
 
@@ -52,7 +53,8 @@ std::vector<std::string> preferredLanguages(const EnvironmentLookup& environment
 }
 
 std::string interfaceLanguage(std::string_view setting, const std::vector<std::string>& preferred) {
-    if (isInterfaceLanguage(setting)) return std::string(setting);
+    const bool isKnown = isInterfaceLanguage(setting) || setting == pseudoLanguage;
+    if (isKnown) return std::string(setting);
     for (const auto& tag : preferred) {
         const std::string primary = asciiLowercased(std::string_view(tag).substr(0, tag.find('-')));
         if (isInterfaceLanguage(primary)) return primary;

@@ -21,8 +21,8 @@ inline constexpr std::array<std::string_view, 6> interfaceLanguages{"de", "en", 
 std::vector<std::string> preferredLanguages(const EnvironmentLookup& environment);
 
 /// The language of the interface, one of interfaceLanguages. A `setting` that names one of them
-/// is taken; any other, such as "system", leaves it to the first preferred language that is among
-/// them whatever its region, and to German where none is.
+/// is taken, and so is pseudoLanguage; any other, such as "system", leaves it to the first
+/// preferred language that is among them whatever its region, and to German where none is.
 std::string interfaceLanguage(std::string_view setting, const std::vector<std::string>& preferred);
 
 }  // namespace fleetwise

@@ -1,5 +1,6 @@
 #include "localisation/localisation.h"
 
+#include "localisation/pseudo_language.h"
 #include "localisation/text_pattern.h"
 
 #include <memory>
@@ -39,6 +40,37 @@ private:
         std::make_shared<InterfaceLanguage>();  ///< guarded by mutex, never null
 };
 
+enum class PluralForm { one, few, other };
+
+/// Unicode CLDR 42, cardinal rules; of those for Polish "many" and "other" are one here, since
+/// whole numbers take only the first. The form for millions in French, Italian and Spanish is left
+/// out: it does not differ in what we count.
+PluralForm pluralForm(std::string_view language, std::int64_t count) {
+    const std::int64_t last = count % 10;
+    const std::int64_t lastTwo = count % 100;
+    if (count == 1 || (count == 0 && language == "fr")) return PluralForm::one;
+    const bool isFew = language == "pl" && last >= 2 && last <= 4 && (lastTwo < 12 || lastTwo > 14);
+    return isFew ? PluralForm::few : PluralForm::other;
+}
+
+/// The wording in the form that printf takes. A translation whose placeholders are not those of
+/// the German wording is passed over in favour of that.
+std::string patternOf(std::string_view german, const std::string& wording) {
+    const auto source = textPattern(german);
+    if (!source) return std::string(german);
+    const auto translated = textPattern(wording);
+    const bool fits = translated && translated->placeholders == source->placeholders;
+    return fits ? translated->printfForm : source->printfForm;
+}
+
+std::string filled(Text text, const std::string& pattern, fmt::printf_args arguments) {
+    try {
+        return fmt::vsprintf(fmt::string_view(pattern), arguments);
+    } catch (const fmt::format_error&) {
+        return std::string(text.german);
+    }
+}
+
 }  // namespace
 
 void setInterfaceLanguage(std::string language, StringsTable table) {
@@ -52,24 +84,29 @@ std::string interfaceLanguageInUse() {
 
 std::string localised(Text text) {
     const auto current = CurrentLanguage::shared().get();
+    if (current->language == pseudoLanguage) return pseudoWording(text.german);
     const auto found = current->table.find(text.german);
     return found == current->table.end() ? std::string(text.german) : found->second;
 }
 
 std::string localisedPattern(Text text) {
-    const auto german = textPattern(text.german);
-    if (!german) return std::string(text.german);
-    const auto translated = textPattern(localised(text));
-    const bool fits = translated && translated->placeholders == german->placeholders;
-    return fits ? translated->printfForm : german->printfForm;
+    return patternOf(text.german, localised(text));
+}
+
+std::string localisedCount(std::int64_t count, Text one, Text several) {
+    const auto current = CurrentLanguage::shared().get();
+    const PluralForm form = pluralForm(current->language, count);
+    const Text text = form == PluralForm::one ? one : several;
+    std::string wording = localised(text);
+    if (form == PluralForm::few) {
+        const auto few = current->table.find(std::string(text.german) + "|few");
+        if (few != current->table.end()) wording = few->second;
+    }
+    return filled(text, patternOf(text.german, wording), fmt::make_printf_args(count));
 }
 
 std::string localisedWith(Text text, fmt::printf_args arguments) {
-    try {
-        return fmt::vsprintf(fmt::string_view(localisedPattern(text)), arguments);
-    } catch (const fmt::format_error&) {
-        return std::string(text.german);
-    }
+    return filled(text, localisedPattern(text), arguments);
 }
 
 }  // namespace fleetwise

@@ -4,6 +4,7 @@
 
 #include <fmt/printf.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -19,9 +20,9 @@ consteval Text operator""_text(const char* text, std::size_t length) {
     return {std::string_view(text, length)};
 }
 
-/// Makes `language` (one of interfaceLanguages) the one that numbers are written in from now on,
-/// and `table` the one that texts are looked up in; an empty table means German. Until the first
-/// call all is German. Any thread.
+/// Makes `language` (one of interfaceLanguages, or pseudoLanguage) the one that numbers are written
+/// in from now on, and `table` the one that texts are looked up in; an empty table means German.
+/// Until the first call all is German. Any thread.
 void setInterfaceLanguage(std::string language, StringsTable table);
 
 /// The language given last, "de" before. Any thread.
@@ -38,6 +39,12 @@ std::string localisedPattern(Text text);
 /// As localisedFormat, of arguments that fmt has gathered: written out here once, since what fills
 /// them in is long to compile.
 std::string localisedWith(Text text, fmt::printf_args arguments);
+
+/// The wording for a count, with the count in place of its only placeholder "%d": `one` is the
+/// German wording for 1, `several` that for all other counts. Which of a language's forms a count
+/// takes is by the Unicode CLDR's plural rules for whole numbers; where a language has a form
+/// between the two ("few"), its table has it under the key of `several` with "|few" behind it.
+std::string localisedCount(std::int64_t count, Text one, Text several);
 
 /// As localised, with the placeholders filled in order: "%@" a text, "%d" a whole number, "%.1f" a
 /// figure, "%%" a per cent sign (TextPattern has the form). The arguments must fit the German

@@ -19,6 +19,11 @@ std::string_view thousandsSeparator(std::string_view language) {
     return ".";
 }
 
+/// From how many digits on the separator stands (Unicode CLDR, minimumGroupingDigits).
+std::size_t fewestGroupedDigits(std::string_view language) {
+    return language == "es" || language == "pl" ? 5 : 4;
+}
+
 }  // namespace
 
 std::string groupedNumber(std::int64_t number) {
@@ -26,6 +31,7 @@ std::string groupedNumber(std::int64_t number) {
     const std::string language = interfaceLanguageInUse();
     std::string digits = std::to_string(number);
     const std::size_t firstDigit = number < 0 ? 1 : 0;
+    if (digits.size() < firstDigit + fewestGroupedDigits(language)) return digits;
     for (std::size_t position = digits.size(); position > firstDigit + groupSize;) {
         position -= groupSize;
         digits.insert(position, thousandsSeparator(language));

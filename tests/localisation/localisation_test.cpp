@@ -86,6 +86,47 @@ TEST_F(Localisation, passesOverTranslationsWhosePlaceholdersDoNotFit) {
     EXPECT_EQ(localisedFormat("%d"_text, "three"), "%d");
 }
 
+TEST_F(Localisation, countsInTheFormsOfTheLanguage) {
+    const StringsTable polish{
+        {"%d Sitzung", "%d sesja"}, {"%d Sitzungen", "%d sesji"}, {"%d Sitzungen|few", "%d sesje"}};
+    const StringsTable french{{"%d Sitzung", "%d session"}, {"%d Sitzungen", "%d sessions"}};
+    const struct {
+        const char* language;
+        StringsTable table;
+        std::int64_t count;
+        const char* expected;
+    } rows[] = {
+        {"de", {}, 0, "0 Sitzungen"},
+        {"de", {}, 1, "1 Sitzung"},
+        {"de", {}, 2, "2 Sitzungen"},
+        {"fr", french, 0, "0 session"},
+        {"fr", french, 1, "1 session"},
+        {"fr", french, 2, "2 sessions"},
+        {"pl", polish, 0, "0 sesji"},
+        {"pl", polish, 1, "1 sesja"},
+        {"pl", polish, 4, "4 sesje"},
+        {"pl", polish, 5, "5 sesji"},
+        {"pl", polish, 12, "12 sesji"},
+        {"pl", polish, 21, "21 sesji"},
+        {"pl", polish, 22, "22 sesje"},
+        {"pl", polish, 114, "114 sesji"},
+        {"pl", {}, 3, "3 Sitzungen"},
+        {"pl", {{"%d Sitzungen|few", "%@ sesje"}}, 3, "3 Sitzungen"},
+    };
+    for (const auto& row : rows) {
+        setInterfaceLanguage(row.language, row.table);
+        EXPECT_EQ(localisedCount(row.count, "%d Sitzung"_text, "%d Sitzungen"_text), row.expected)
+            << row.language << " " << row.count;
+    }
+}
+
+TEST_F(Localisation, hasALanguageThatShowsWhatIsCutOrNotLookedUp) {
+    setInterfaceLanguage(interfaceLanguage("x-pseudo", {}), {});
+    EXPECT_EQ(localised("Arbeitet"_text), "[Årbéîtét··]");
+    EXPECT_EQ(localisedFormat("%@ von %@, %.1f %%"_text, "eins", "zwei", 0.5),
+              "[eins vøn zwei, 0.5 %····]");
+}
+
 TEST_F(Localisation, mayChangeWhileOthersLookUp) {
     std::thread changing([] {
         for (int round = 0; round < 2000; ++round) {
@@ -197,6 +238,9 @@ TEST_F(Localisation, groupsTheDigitsOfNumbers) {
         {"it", 200'000, "200.000"},
         {"fr", 1'200'000, "1\u202F200\u202F000"},
         {"pl", 200'000, "200\u00A0000"},
+        {"pl", 1234, "1234"},
+        {"es", -1234, "-1234"},
+        {"es", 12'345, "12.345"},
     };
     for (const auto& row : rows) {
         setInterfaceLanguage(row.language, {});
@@ -278,7 +322,8 @@ TEST_F(Localisation, writesMoneyInTheShortFormOfTheLanguage) {
         {"fr", 1234, "1\u202F234\u00A0$US"},
         {"es", 0.42, "0,42 US$"},
         {"it", 1234, "1.234 USD"},
-        {"pl", 1234, "1\u00A0234\u00A0USD"},
+        {"pl", 1234, "1234\u00A0USD"},
+        {"pl", 12345, "12\u00A0345\u00A0USD"},
     };
     for (const auto& row : rows) {
         setInterfaceLanguage(row.language, {});

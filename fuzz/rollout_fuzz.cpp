@@ -4,6 +4,7 @@
 #include "foundation/json_reader.h"
 #include "sources/plain_file_name.h"
 #include "sources/rollout_head.h"
+#include "sources/rollout_prompt.h"
 #include "sources/rollout_tail.h"
 
 #include <cstdint>
@@ -47,6 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (const auto head = RolloutHead::parse(text)) checkHead(*head);
     const RolloutTail tail = RolloutTail::parse(text);
     checkTail(tail);
+    expect(lastRolloutPrompt(text, [](std::string_view) { return true; }).value_or("?") != "");
 
     const std::size_t cut = text.find('\n', text.size() * data[0] / 255);
     if (cut == std::string::npos) return 0;

@@ -3,11 +3,15 @@
 #include "app/environment.h"
 #include "app/feed_address.h"
 #include "app/hook_jobs.h"
+#include "app/program_facts.h"
 #include "app/program_version.h"
 #include "app/usage_places.h"
 #include "platform/dock_badge.h"
 #include "platform/host_window_focus.h"
 #include "sources/paths.h"
+
+#include <QCoreApplication>
+#include <QStandardPaths>
 
 #include <cstdio>
 #include <utility>
@@ -36,6 +40,12 @@ LiveFleet::LiveFleet(UserDefaults& defaults, Settings& givenSettings)
       priceFeed(Paths::pricesFile(), prices),
       usage(usagePlacesOfThisUser(), UsageHistoryStore::shared(), QuotaNotice::shared()),
       attentionLog(Paths::attentionLogFile(), currentDate()),
+      archiveReader({.projectsDirectory = Paths::projectsDir(),
+                     .desktopDirectory = Paths::desktopCodeSessions(),
+                     .codexDirectory = Paths::codexDir(),
+                     .promptHistoryFile = Paths::promptHistoryFile(),
+                     .titlesFile = Paths::archiveIndexFile()},
+                    DesktopMetadataStore::shared()),
       watchdog(Paths::stallsFile(), [this](auto action) { loop.post(std::move(action)); }),
       windows(makeWindowFocus()),
       commands(settings, ProcessTable::system(), *windows, launcher, programs),
@@ -56,6 +66,14 @@ LiveFleet::LiveFleet(UserDefaults& defaults, Settings& givenSettings)
       webhook(poster, programVersion(), currentDate),
       power(QDBusConnection::systemBus(), QDBusConnection::sessionBus()),
       stayAwake(power),
+      archive(loop, {.list = [this](Date now) { return archiveReader.list(now); },
+                     .complete =
+                         [this](std::vector<ArchiveEntry> portion) {
+                             return archiveReader.complete(std::move(portion), currentDate());
+                         }}),
+      loginStart(makeLoginStart(
+          QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation).toStdString(),
+          QCoreApplication::applicationFilePath().toStdString())),
       monitor(environment()),
       download(programVersion()),
       feed(loop, download, priceFeed, feedAddress(settings), programVersion()) {}
@@ -71,6 +89,20 @@ void LiveFleet::start(std::function<void(const std::string&)> newVersion,
     });
 }
 
+SettingsServices LiveFleet::settingsServices() {
+    return {.actions = actions,
+            .sounds = sounds,
+            .webhook = webhook,
+            .prices = prices,
+            .priceFeed = priceFeed,
+            .feedUpdate = feed,
+            .loginStart = *loginStart,
+            .terminals = SessionCommands::terminals,
+            .facts = programFacts,
+            .settingsBackups = [] { return SettingsFile::backups(Paths::stateDir()); },
+            .now = currentDate};
+}
+
 FleetMonitor::Environment LiveFleet::environment() {
     return {
         .loop = loop,
@@ -80,6 +112,8 @@ FleetMonitor::Environment LiveFleet::environment() {
                        Date now) { return FleetSnapshot::collect(input, sources, shared, now); },
         .collectUsage = [this](const UsageCollector::Input& input,
                                Date now) { return usage.collect(input, now); },
+        .readDetails = [reader = machine.detailsReader()](
+                           const Session& session) { return reader.read(session); },
         .hook = hookPlacesOfThisUser(),
         .sessionsDirectory = Paths::sessionsDir(),
         .ensureStateDirectories = ensureStateDirectories,
@@ -89,7 +123,8 @@ FleetMonitor::Environment LiveFleet::environment() {
         .sounds = sounds,
         .waitingEpisodes = [this](Date since, Date now) { return waitingEpisodes(since, now); },
         .watchdog = watchdog,
-        .reactions = {&notifier, &sounds, &actions, &webhook, &attentionLog, &stayAwake},
+        .timeline = timeline,
+        .reactions = {&notifier, &sounds, &actions, &webhook, &attentionLog, &timeline, &stayAwake},
         .focus = [this](const Session& session) { return commands.focus(session); },
         .resume = [this](const Session& session) { return commands.resume(session); },
         .resumeText = [this](const Session& session) { return commands.resumeText(session); },
@@ -114,6 +149,7 @@ void LiveFleet::flush() {
     const Date now = currentDate();
     attentionLog.flush(now);
     hosts.flush(now);
+    archiveReader.flush();
 }
 
 }  // namespace fleetwise

@@ -4,10 +4,13 @@
 #include "app/notifications_with_fallback.h"
 #include "app/session_commands.h"
 #include "cost/price_feed.h"
+#include "fleet/archive_reader.h"
+#include "monitor/archive_index.h"
 #include "monitor/feed_update.h"
 #include "monitor/fleet_monitor.h"
 #include "platform/child_processes.h"
 #include "platform/desktop_notifications.h"
+#include "platform/login_start.h"
 #include "platform/power_assertions.h"
 #include "platform/qt_feed_download.h"
 #include "platform/qt_http_poster.h"
@@ -19,6 +22,7 @@
 #include "reactions/stall_watchdog.h"
 #include "reactions/stay_awake.h"
 #include "reactions/webhook.h"
+#include "ui/settings/settings_services.h"
 
 #include <functional>
 #include <memory>
@@ -42,6 +46,9 @@ public:
 
     FleetMonitor& fleet() { return monitor; }
 
+    ArchiveIndex& pastSessions() { return archive; }
+    SettingsServices settingsServices();
+
     /// Writes what is remembered. For the end of the program.
     void flush();
 
@@ -58,6 +65,8 @@ private:
     PriceFeed priceFeed;
     UsageCollector usage;
     AttentionLog attentionLog;
+    StateTimeline timeline;
+    ArchiveReader archiveReader;
     QtMainLoop loop;
     StallWatchdog watchdog;
     std::unique_ptr<WindowFocus> windows;
@@ -74,6 +83,8 @@ private:
     Webhook webhook;
     SystemPowerAssertions power;
     StayAwake stayAwake;
+    ArchiveIndex archive;
+    std::unique_ptr<LoginStart> loginStart;
     FleetMonitor monitor;
     QtFeedDownload download;
     FeedUpdate feed;

@@ -33,4 +33,8 @@ FleetSnapshot::Sources MachineSources::sources() {
             .codexProcesses = codexProcesses};
 }
 
+SessionDetailsReader MachineSources::detailsReader() {
+    return {transcripts, tasks, Paths::codexDir()};
+}
+
 }  // namespace fleetwise

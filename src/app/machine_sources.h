@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fleet/fleet_snapshot.h"
+#include "fleet/session_details_reader.h"
 #include "sources/process_tree.h"
 
 namespace fleetwise {
@@ -11,6 +12,8 @@ public:
     MachineSources();
 
     FleetSnapshot::Sources sources();
+
+    SessionDetailsReader detailsReader();
 
 private:
     ProcessTree processTree;

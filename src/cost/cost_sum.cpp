@@ -35,6 +35,21 @@ void forEachTally(const Usage& usage, std::string_view day, Visit&& visit) {
         visit(model, tally);
 }
 
+/// Calls `visit(model, tally)` for what was used on the day `first` and after it, or ever, where it
+/// is empty.
+template <typename Visit>
+void forEachTallySince(const Usage& usage, std::string_view first, Visit&& visit) {
+    if (first.empty()) {
+        for (const auto& [model, slice] : usage.byModel)
+            visit(model, slice.tally);
+        return;
+    }
+    for (auto day = usage.days.lower_bound(first); day != usage.days.end(); ++day) {
+        for (const auto& [model, tally] : day->second)
+            visit(model, tally);
+    }
+}
+
 /// Sessions whose files are gone may still be told by the days of another time zone, so that more
 /// may be taken off a day than it has.
 void dropNegatives(ModelTallies& sum) {
@@ -62,28 +77,40 @@ const Beginning* CostSum::shared(const SessionCost& session, const SessionCost& 
 }
 
 template <typename Visit>
-void CostSum::forEachOnce(Members members, Visit&& visit) const {
-    std::ranges::sort(members, [](const SessionCost* left, const SessionCost* right) {
+void CostSum::forEachOnce(Members given, Visit&& visit) const {
+    std::ranges::sort(given, [](const SessionCost* left, const SessionCost* right) {
         const auto order = left->family <=> right->family;
         return order == 0 ? left->trail < right->trail : order < 0;
     });
     const SessionCost* before = nullptr;
-    for (const SessionCost* session : members) {
+    for (const SessionCost* session : given) {
         visit(*session, before == nullptr ? nullptr : shared(*session, *before));
         before = session;
     }
 }
 
-CostFigures CostSum::of(const std::vector<std::string>& ids, const Prices::Book& book) const {
-    Members members;
+CostSum::Members CostSum::members(const std::vector<std::string>& ids) const {
+    Members found;
     for (const std::string& id : ids) {
-        const auto found = sessions->find(id);
-        if (found != sessions->end()) members.push_back(found->second.get());
+        const auto known = sessions->find(id);
+        if (known != sessions->end()) found.push_back(known->second.get());
     }
-    std::ranges::sort(members);
-    members.erase(std::unique(members.begin(), members.end()), members.end());
+    std::ranges::sort(found);
+    found.erase(std::unique(found.begin(), found.end()), found.end());
+    return found;
+}
+
+CostSum::Members CostSum::allMembers() const {
+    Members all;
+    all.reserve(sessions->size());
+    for (const auto& [id, session] : *sessions)
+        all.push_back(session.get());
+    return all;
+}
+
+CostFigures CostSum::of(const std::vector<std::string>& ids, const Prices::Book& book) const {
     CostFigures sum;
-    forEachOnce(std::move(members), [&](const SessionCost& session, const Beginning* past) {
+    forEachOnce(members(ids), [&](const SessionCost& session, const Beginning* past) {
         sum += past == nullptr ? session.figures(book) : figuresWithout(session, *past, book);
     });
     return sum;
@@ -91,10 +118,7 @@ CostFigures CostSum::of(const std::vector<std::string>& ids, const Prices::Book&
 
 template <typename Visit>
 void CostSum::forEachSessionOnce(Visit&& visit) const {
-    Members members;
-    for (const auto& [id, session] : *sessions)
-        members.push_back(session.get());
-    forEachOnce(std::move(members), visit);
+    forEachOnce(allMembers(), visit);
 }
 
 CostFigures CostSum::ofDay(std::string_view day, const Prices::Book& book) const {
@@ -130,6 +154,28 @@ std::map<std::string, ModelTallies, std::less<>> CostSum::days() const {
     for (auto& [day, models] : sum)
         dropNegatives(models);
     return sum;
+}
+
+ModelTallies CostSum::usedBy(Members given, std::string_view first) const {
+    ModelTallies sum;
+    forEachOnce(std::move(given), [&](const SessionCost& session, const Beginning* past) {
+        forEachTallySince(session.usage, first,
+                          [&](const auto& model, const auto& tally) { sum[model] += tally; });
+        if (past == nullptr) return;
+        forEachTallySince(past->usage, first, [&](const auto& model, const auto& tally) {
+            sum[model] = sum[model] - tally;
+        });
+    });
+    dropNegatives(sum);
+    return sum;
+}
+
+ModelTallies CostSum::used(const std::vector<std::string>& ids, std::string_view first) const {
+    return usedBy(members(ids), first);
+}
+
+ModelTallies CostSum::used(std::string_view first) const {
+    return usedBy(allMembers(), first);
 }
 
 }  // namespace fleetwise

@@ -27,6 +27,12 @@ public:
     /// What all sessions used on each day of the calendar, by its name.
     std::map<std::string, ModelTallies, std::less<>> days() const;
 
+    /// What the sessions with these ids used by model on the day `first` of the calendar and after
+    /// it; whenever that was, undated requests included, where `first` is empty.
+    ModelTallies used(const std::vector<std::string>& ids, std::string_view first) const;
+    /// As above, by all sessions.
+    ModelTallies used(std::string_view first) const;
+
 private:
     /// A family, and which of its first requests.
     using Past = std::tuple<std::string_view, std::size_t, std::uint32_t>;
@@ -35,10 +41,14 @@ private:
     /// Calls `visit(session, beginning)` for each of the sessions, which are sorted for it, with
     /// what it shares with one visited before; nullptr where that is nothing, or is not known.
     template <typename Visit>
-    void forEachOnce(Members members, Visit&& visit) const;
+    void forEachOnce(Members given, Visit&& visit) const;
     /// As above, over all sessions.
     template <typename Visit>
     void forEachSessionOnce(Visit&& visit) const;
+    /// The sessions with these ids that are known, each once.
+    Members members(const std::vector<std::string>& ids) const;
+    Members allMembers() const;
+    ModelTallies usedBy(Members given, std::string_view first) const;
     const Beginning* shared(const SessionCost& session, const SessionCost& before) const;
 
     std::shared_ptr<const SessionCosts> sessions;

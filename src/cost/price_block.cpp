@@ -16,7 +16,6 @@ using Book = Prices::Book;
 using TokenPrice = Prices::TokenPrice;
 using enum PriceFailure::Kind;
 
-constexpr double maximumUsdPerMillion = 10'000;
 constexpr std::size_t maximumBlockBytes = 16 << 10;
 
 struct PriceMember {

@@ -31,7 +31,9 @@ std::string germanWording(const PriceFailure& failure);
 /// The failure in the interface language, to be shown.
 std::string localised(const PriceFailure& failure);
 
-/// Whether this can be the price of a million tokens in US dollars: from 0 to 10,000.
+inline constexpr double maximumUsdPerMillion = 10'000;
+
+/// Whether this can be the price of a million tokens in US dollars: from 0 to the maximum.
 bool isPossiblePrice(double usdPerMillion);
 
 /// Whether it is a day of the calendar in the form "2026-08-27".

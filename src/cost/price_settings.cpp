@@ -14,26 +14,10 @@ using Book = Prices::Book;
 using Overrides = PriceSettings::Overrides;
 using TokenPrice = Prices::TokenPrice;
 
-struct PriceMember {
-    std::string_view name;
-    double TokenPrice::*price;
-};
-constexpr PriceMember priceMembers[] = {
-    {"input", &TokenPrice::input},
-    {"output", &TokenPrice::output},
-    {"cacheRead", &TokenPrice::cacheRead},
-    {"cacheWrite5m", &TokenPrice::cacheWrite5m},
-    {"cacheWrite1h", &TokenPrice::cacheWrite1h},
-};
-
-std::string keyOf(std::string_view family, std::string_view price) {
-    return std::string(family) + "." + std::string(price);
-}
-
 bool isKey(std::string_view key) {
     for (const std::string_view family : Prices::knownFamilies) {
-        for (const auto& [name, price] : priceMembers) {
-            if (key == keyOf(family, name)) return true;
+        for (const auto& member : PriceSettings::members) {
+            if (key == PriceSettings::keyOf(family, member)) return true;
         }
     }
     return false;
@@ -73,13 +57,13 @@ bool applyOverrides(const Overrides& overrides, std::string_view family, Book& b
     const auto known = book.table.find(family);
     TokenPrice row = known == book.table.end() ? TokenPrice() : known->second;
     std::size_t applied = 0;
-    for (const auto& [name, price] : priceMembers) {
-        const auto found = overrides.find(keyOf(family, name));
+    for (const auto& member : PriceSettings::members) {
+        const auto found = overrides.find(PriceSettings::keyOf(family, member));
         if (found == overrides.end()) continue;
-        row.*price = found->second;
+        row.*member.price = found->second;
         ++applied;
     }
-    const bool isWhole = known != book.table.end() || applied == std::size(priceMembers);
+    const bool isWhole = known != book.table.end() || applied == PriceSettings::members.size();
     if (applied == 0 || !isWhole) return false;
     book.table.insert_or_assign(std::string(family), row);
     return true;
@@ -90,6 +74,10 @@ bool applyOverrides(const Overrides& overrides, std::string_view family, Book& b
 PriceSettings::PriceSettings(UserDefaults& givenDefaults, std::string pricesFile,
                              Published published)
     : defaults(givenDefaults), file(std::move(pricesFile)), publish(std::move(published)) {}
+
+std::string PriceSettings::keyOf(std::string_view family, const Member& member) {
+    return std::string(family) + "." + std::string(member.name);
+}
 
 Book PriceSettings::load() {
     auto storedPrices = storedBook(file);

@@ -3,6 +3,7 @@
 #include "cost/prices.h"
 #include "foundation/user_defaults.h"
 
+#include <array>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -24,6 +25,22 @@ public:
 
     /// Told the book in use, on the thread that changed it.
     using Published = std::function<void(const Prices::Book&)>;
+
+    /// One of a family's prices, and what it is called in a key of Overrides.
+    struct Member {
+        std::string_view name;
+        double Prices::TokenPrice::*price;
+    };
+    static constexpr std::array<Member, 5> members{{
+        {"input", &Prices::TokenPrice::input},
+        {"output", &Prices::TokenPrice::output},
+        {"cacheRead", &Prices::TokenPrice::cacheRead},
+        {"cacheWrite5m", &Prices::TokenPrice::cacheWrite5m},
+        {"cacheWrite1h", &Prices::TokenPrice::cacheWrite1h},
+    }};
+
+    /// The key of a family's price in Overrides.
+    static std::string keyOf(std::string_view family, const Member& member);
 
     static constexpr const char* overridesKey = "priceOverrides";  ///< dictionary like Overrides
     static constexpr const char* flatRateKey = "priceFlatRate";    ///< number

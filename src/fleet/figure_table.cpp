@@ -26,8 +26,9 @@ std::string field(std::string text) {
 }
 
 std::string field(const FigureTable::Cell& cell) {
+    if (!cell.plain.empty()) return field(cell.plain);
     if (cell.number) return std::isfinite(*cell.number) ? fmt::format("{}", *cell.number) : "";
-    return field(cell.plain.empty() ? cell.text : cell.plain);
+    return field(cell.text);
 }
 
 template <typename Cells>

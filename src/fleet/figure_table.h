@@ -11,7 +11,7 @@ struct FigureTable {
     struct Cell {
         std::string text;              ///< as shown, in the interface language
         std::optional<double> number;  ///< the figure behind it, in the unit of the heading
-        std::string plain;             ///< in a file in place of `text`, where not empty: a date
+        std::string plain;             ///< in a file in place of all else, where not empty: a date
 
         bool operator==(const Cell&) const = default;
     };

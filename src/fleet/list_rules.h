@@ -3,6 +3,7 @@
 #include "fleet/session.h"
 
 #include <array>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -45,8 +46,9 @@ struct ListRules {
     SortMode sortMode = SortMode::status;
     std::set<ListFilter> filters;  ///< none: everything
     /// Words of which a session must hold every one, in any case, in its name, path, branch,
-    /// host application, model, agent, state or detail.
+    /// host application, model, agent, state, detail, last message or goal.
     std::string search;
+    std::map<std::string, std::string> objectives;  ///< of goals, by session id; to be searched
     bool summarizesSelfDriven = false;  ///< into a group of their own that begins folded
 };
 

@@ -59,11 +59,24 @@ std::vector<std::string> searchWords(const std::string& search) {
     return words;
 }
 
-std::string searchableText(const Session& session, Date now, Calendar calendar) {
+/// The beginning of what the session said last: all that it may be, many times over with each key
+/// that is typed, would be felt.
+std::string_view searchedMessage(const Session& session) {
+    constexpr std::size_t most = 2000;
+    if (session.stats && session.stats->lastReply) {
+        return std::string_view(*session.stats->lastReply).substr(0, most);
+    }
+    return session.lastMessage ? std::string_view(*session.lastMessage).substr(0, most) : "";
+}
+
+std::string searchableText(const Session& session, const ListRules& rules, Date now,
+                           Calendar calendar) {
+    const auto goal = rules.objectives.find(session.id);
     return caseFolded(fmt::format(
-        "{}\n{}\n{}\n{}\n{}\n{}\n{}\n{}", session.displayName(), session.cwd.value_or(""),
+        "{}\n{}\n{}\n{}\n{}\n{}\n{}\n{}\n{}\n{}", session.displayName(), session.cwd.value_or(""),
         session.gitBranch.value_or(""), session.hostApp.value_or(""), session.model.value_or(""),
-        session.agent.label(), label(session.state), session.detail(now, calendar)));
+        session.agent.label(), label(session.state), session.detail(now, calendar),
+        searchedMessage(session), goal == rules.objectives.end() ? "" : goal->second));
 }
 
 bool holdsAll(const std::string& text, const std::vector<std::string>& words) {
@@ -190,7 +203,8 @@ std::vector<SessionGroup> buildGroups(const std::vector<Session>& sessions, cons
     for (std::size_t index = 0; index < sessions.size(); ++index) {
         const Session& session = sessions[index];
         if (!passesAny(session, rules.filters)) continue;
-        if (!words.empty() && !holdsAll(searchableText(session, now, calendar), words)) continue;
+        if (!words.empty() && !holdsAll(searchableText(session, rules, now, calendar), words))
+            continue;
         Place place = grouping.placeOf(session);
         const std::string key = place.group.key;
         places.try_emplace(key, std::move(place)).first->second.group.members.push_back(index);

@@ -1,5 +1,6 @@
 // The texts of a session's row.
 
+#include "fleet/folder_name.h"
 #include "fleet/session.h"
 #include "foundation/text.h"
 #include "localisation/duration_format.h"
@@ -51,13 +52,6 @@ std::string restText(const Session& session) {
     return oneLine(session.lastMessage);
 }
 
-std::string lastFolder(const std::string& path) {
-    const auto end = path.find_last_not_of('/');
-    if (end == std::string::npos) return path;
-    const auto slash = path.find_last_of('/', end);
-    return path.substr(slash + 1, end - slash);
-}
-
 }  // namespace
 
 std::string Session::displayName() const {
@@ -71,7 +65,7 @@ std::string Session::displayName() const {
 }
 
 std::string Session::projectName() const {
-    return cwd ? printable(lastFolder(*cwd)) : std::string();
+    return cwd ? printable(folderName(*cwd)) : std::string();
 }
 
 std::string Session::displayPath(const std::string& home) const {

@@ -41,6 +41,9 @@ public:
     /// Begins, once. `onChange` is called after each look into the feed.
     void start(std::function<void()> onChange);
 
+    /// Whether there is an address to look at.
+    bool hasAddress() const { return !address.empty(); }
+
     /// The version that the feed lists, where that is newer than the running one.
     const std::optional<std::string>& newerVersion() const { return newer; }
 

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace fleetwise {
@@ -58,6 +59,15 @@ public:
 
     /// What all sessions used on each of the last `count` days, the oldest first.
     std::vector<UsageDay> usageDays(int count) const;
+
+    /// What these sessions, and what all sessions used by model since a day; see CostSum::used.
+    ModelTallies used(const std::vector<std::string>& ids, std::string_view firstDay) const {
+        return sum.used(ids, firstDay);
+    }
+    ModelTallies used(std::string_view firstDay) const { return sum.used(firstDay); }
+
+    /// Each session by itself; never null.
+    std::shared_ptr<const SessionCosts> allCosts() const { return sessions; }
 
     /// One session by itself; nothing where it is not known yet.
     std::shared_ptr<const SessionCost> cost(const std::string& id) const;

@@ -28,6 +28,14 @@ std::size_t countOf(const std::vector<Session>& sessions, bool (*isMeant)(Sessio
                       [&](const Session& session) { return isMeant(session.state); }));
 }
 
+/// Renews the installed program where it is not the one that came with this version.
+bool isHookCurrent(const HookInstaller::Places& places) {
+    if (!HookInstaller::isInstalled(places.settingsFile, places.installedHook)) return true;
+    if (HookInstaller::isCurrent(places.bundledHook, places.installedHook)) return true;
+    // A copy that cannot be renewed is told to be out of date and goes on working.
+    return HookInstaller::installHookBinary(places.bundledHook, places.installedHook).has_value();
+}
+
 }  // namespace
 
 struct FleetMonitor::Pass {
@@ -55,16 +63,13 @@ FleetMonitor::~FleetMonitor() = default;
 void FleetMonitor::start() {
     environment.ensureStateDirectories();
     const auto& places = environment.hook;
-    environment.loop.background(
-        [places] {
-            if (HookInstaller::isInstalled(places.settingsFile, places.installedHook) &&
-                !HookInstaller::isCurrent(places.bundledHook, places.installedHook)) {
-                // A copy that cannot be renewed is reported as out of date and goes on working.
-                static_cast<void>(
-                    HookInstaller::installHookBinary(places.bundledHook, places.installedHook));
-            }
-        },
-        [] {});
+    runInBackground(
+        environment.loop, [places] { return isHookCurrent(places); },
+        [this, alive = std::weak_ptr<bool>(aliveToken)](bool isCurrent) {
+            if (alive.expired() || isCurrent) return;
+            hookIsOutdated = true;
+            notify(&Observer::hookChanged);
+        });
     environment.watchdog.start();
     const auto refreshed = [this] { refresh(); };
     if (!refreshTimer) {
@@ -112,7 +117,7 @@ void FleetMonitor::finishPass(Pass pass) {
     if (const auto wait = pass.collection.recheckIn) {
         recheckTimer = environment.loop.after(*wait, [this] { refresh(); });
     }
-    setHookState(pass.hook);
+    if (!std::exchange(passPrecedesHook, false)) setHookState(pass.hook);
     if (std::exchange(isPreviewed, true)) {
         apply(std::move(pass.collection));
         if (pass.usage) applyUsage(*std::move(pass.usage));
@@ -244,6 +249,7 @@ void FleetMonitor::updateDockBadge() {
 bool FleetMonitor::regroup() {
     ListRules rules = environment.settings.listRules();
     rules.search = searchText;
+    if (!searchText.empty()) rules.objectives = objectives();
     auto groups =
         buildGroups(list, rules, environment.loop.now(), environment.calendar, environment.home);
     const bool differs = groups != grouped;

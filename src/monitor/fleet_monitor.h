@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fleet/fleet_snapshot.h"
+#include "fleet/session_details.h"
 #include "fleet/session_groups.h"
 #include "fleet/usage_days.h"
 #include "foundation/main_loop.h"
@@ -9,6 +10,7 @@
 #include "monitor/settings.h"
 #include "reactions/attention_episode.h"
 #include "reactions/fleet_reaction.h"
+#include "reactions/state_timeline.h"
 #include "sources/hook_installer.h"
 #include "sources/host_app_memory.h"
 
@@ -45,7 +47,7 @@ public:
         virtual void windowRequested() {}  ///< the main window is to be shown
         /// The session is to be shown in the main window.
         virtual void sessionRequested(const std::string& /*id*/) {}
-        virtual void hookChanged() {}      ///< hookState or hookProblem differ
+        virtual void hookChanged() {}      ///< what is told of the hook differs
         virtual void costsChanged() {}     ///< figures or prices differ
         virtual void costScanChanged() {}  ///< the progress of a long scan
         virtual void usageChanged() {}     ///< quota, plans or goals differ
@@ -59,6 +61,8 @@ public:
         std::function<FleetSnapshot::Collection(const FleetSnapshot::Input&, Date now)> collect;
         /// Reads quota, plans and goals. Called on another thread, never twice at once.
         std::function<UsageOverview(const UsageCollector::Input&, Date now)> collectUsage;
+        /// Reads what is shown of one session. Called on another thread.
+        std::function<SessionDetails(const Session&)> readDetails;
         HookInstaller::Places hook;
         std::string sessionsDirectory;  ///< the registry, watched as hook.statusDir is
         std::function<void()> ensureStateDirectories;
@@ -70,6 +74,7 @@ public:
         /// those that still wait.
         std::function<std::vector<AttentionEpisode>(Date since, Date now)> waitingEpisodes;
         StallWatchdog& watchdog;
+        const StateTimeline& timeline;
         std::vector<FleetReaction*> reactions;  ///< in the order they are told
         /// Brings the window a session runs in to the front, or tells why not, for the user.
         std::function<tl::expected<void, std::string>(const Session&)> focus;
@@ -139,12 +144,15 @@ public:
     }
 
     void toggleFilter(ListFilter filter);
-    void toggleFavorite(const std::string& id);
+    void toggleFavorite(const std::string& id) { toggleFavorites({id}); }
+    /// Pins the listed sessions among these; unpins them where all are pinned.
+    void toggleFavorites(const std::vector<std::string>& ids);
     void setSearch(const std::string& search);
     const std::string& search() const { return searchText; }
 
     /// Removes a session from the list. One that runs stays, with a notice that says so.
-    void dismiss(const std::string& id);
+    void dismiss(const std::string& id) { dismissAll({id}); }
+    void dismissAll(const std::vector<std::string>& ids);
     /// Lists the removed sessions again.
     void clearDismissed();
 
@@ -156,6 +164,10 @@ public:
     /// The command that resumes the session in a terminal. Nothing where there is none, which
     /// becomes its notice.
     std::optional<std::string> resumeText(const std::string& id);
+    /// As `resume` and `resumeText`, of a session that need not be listed; the error is for the
+    /// user.
+    tl::expected<void, std::string> resumePast(const Session& past);
+    tl::expected<std::string, std::string> resumeTextOfPast(const Session& past) const;
     void requestWindow();
     void requestSession(const std::string& id);
     /// Carries out what the user chose on a notification. What stands in the way is shown.
@@ -170,7 +182,17 @@ public:
     /// What holds for the session in the end.
     bool mayNotify(const Session& session) const;
     /// Silences the session, or has it notify again.
-    void toggleNotifying(const std::string& id);
+    void toggleNotifying(const std::string& id) { toggleNotifyingOf({id}); }
+    /// Silences the listed sessions among these; where all are silent, has them notify again.
+    void toggleNotifyingOf(const std::vector<std::string>& ids);
+
+    /// Reads the details of a listed session, on another thread; `then` gets them, unless the
+    /// session or this is gone by then.
+    void readDetails(const std::string& id, std::function<void(const SessionDetails&)> then);
+    /// The states since this program started, see StateTimeline::spans.
+    const std::vector<StateTimeline::Span>& timeline(const std::string& id) const {
+        return environment.timeline.spans(id);
+    }
 
     /// What the last thing the user did to a session came to, where it failed; for ten seconds.
     std::optional<std::string> notice(const std::string& id) const;
@@ -184,6 +206,13 @@ public:
     std::shared_ptr<const CostStore::Session> cost(const std::string& id) const {
         return costs.cost(id);
     }
+    /// Each session by itself; never null.
+    std::shared_ptr<const SessionCosts> allCosts() const { return costs.allCosts(); }
+    /// What these sessions, and what all sessions used by model since a day; see CostSum::used.
+    ModelTallies used(const std::vector<std::string>& ids, std::string_view firstDay) const {
+        return costs.used(ids, firstDay);
+    }
+    ModelTallies used(std::string_view firstDay) const { return costs.used(firstDay); }
     /// The book that all figures are told by.
     const Prices::Book& priceBook() const { return costs.priceBook(); }
     void setPriceBook(const Prices::Book& book) { costs.setPriceBook(book); }
@@ -204,9 +233,16 @@ public:
 
     HookState hookState() const { return hook; }
     const HookInstaller::Places& hookPlaces() const { return environment.hook; }
-    /// Why the last installation failed; empty otherwise.
+    /// The installed program is not the one that came with this version, and could not be renewed.
+    bool isHookOutdated() const { return hookIsOutdated; }
+    /// Why the last installation or removal failed; empty otherwise.
     const std::string& hookProblem() const { return hookFailure; }
+    /// From when a change of the hook is asked for until it is done or has failed. What is asked
+    /// for meanwhile is not done.
+    bool isHookChanging() const { return hookIsChanging; }
     void installHook();
+    /// Takes our entries out of the agent's settings.
+    void removeHook();
 
 private:
     struct Pass;
@@ -228,12 +264,19 @@ private:
     /// Whether the list differs from the one before.
     bool publish(std::vector<Session> sessions);
     bool regroup();
+    /// Of all goals, by session id.
+    std::map<std::string, std::string> objectives() const;
     void updateDockBadge();
     void listChanged();
     void settingsChanged();
     void tick();
     void noteLateness(bool isLate);
     void setHookState(HookState state);
+    using HookChange = tl::expected<SettingsBackup, InstallError> (*)(const HookInstaller::Places&,
+                                                                      Date);
+    void changeHook(HookChange change, HookState outcome);
+    /// Copies of those of the list: every change may make it another one.
+    std::vector<Session> listed(const std::vector<std::string>& ids) const;
     void setNotice(const std::string& id, std::string text);
     void carryOut(const std::string& id,
                   const std::function<tl::expected<void, std::string>(const Session&)>& operation);
@@ -261,6 +304,9 @@ private:
     NotificationPolicy::Overrides overrides;         ///< as the setting has them
     std::string searchText;
     HookState hook = HookState::unknown;
+    bool hookIsOutdated = false;
+    bool hookIsChanging = false;
+    bool passPrecedesHook = false;  ///< the hook changed while the pass ran
     std::string hookFailure;
     bool isCollecting = false;
     bool wantsAnotherCollection = false;

@@ -6,6 +6,7 @@
 #include "monitor/fleet_monitor.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace fleetwise {
 
@@ -58,9 +59,23 @@ void FleetMonitor::toggleFilter(ListFilter filter) {
                                             std::string(rawValue(filter))));
 }
 
-void FleetMonitor::toggleFavorite(const std::string& id) {
-    change(Settings::favoriteSessionIds,
-           toggled(environment.settings.get(Settings::favoriteSessionIds), id));
+std::vector<Session> FleetMonitor::listed(const std::vector<std::string>& ids) const {
+    std::vector<Session> meant;
+    for (const std::string& id : ids) {
+        if (const Session* found = session(id)) meant.push_back(*found);
+    }
+    return meant;
+}
+
+void FleetMonitor::toggleFavorites(const std::vector<std::string>& ids) {
+    const auto meant = listed(ids);
+    const bool arePinned = std::ranges::all_of(meant, &Session::isFavorite);
+    auto favourites = environment.settings.get(Settings::favoriteSessionIds);
+    for (const Session& session : meant) {
+        std::erase(favourites, session.id);
+        if (!arePinned) favourites.push_back(session.id);
+    }
+    change(Settings::favoriteSessionIds, favourites);
 }
 
 void FleetMonitor::setSearch(const std::string& search) {
@@ -68,16 +83,20 @@ void FleetMonitor::setSearch(const std::string& search) {
     if (regroup()) notify(&Observer::fleetChanged);
 }
 
-void FleetMonitor::dismiss(const std::string& id) {
-    const Session* found = session(id);
-    if (found == nullptr) return;
-    if (cannotBeDismissed(*found)) {
-        setNotice(id, localised("Läuft noch und bleibt in der Liste"_text));
-        return;
-    }
+void FleetMonitor::dismissAll(const std::vector<std::string>& ids) {
     auto dismissed = environment.settings.get(Settings::dismissedSessionIds);
-    if (!contains(dismissed, id)) dismissed.push_back(id);
-    change(Settings::dismissedSessionIds, dismissed);
+    const auto meant = listed(ids);
+    std::vector<std::string> staying;
+    for (const Session& session : meant) {
+        if (cannotBeDismissed(session)) {
+            staying.push_back(session.id);
+        } else if (!contains(dismissed, session.id)) {
+            dismissed.push_back(session.id);
+        }
+    }
+    if (staying.size() < meant.size()) change(Settings::dismissedSessionIds, dismissed);
+    for (const std::string& id : staying)
+        setNotice(id, localised("Läuft noch und bleibt in der Liste"_text));
 }
 
 void FleetMonitor::clearDismissed() {
@@ -109,6 +128,26 @@ std::optional<std::string> FleetMonitor::resumeText(const std::string& id) {
     if (text) return *std::move(text);
     setNotice(id, text.error());
     return {};
+}
+
+tl::expected<void, std::string> FleetMonitor::resumePast(const Session& past) {
+    return environment.resume(past);
+}
+
+tl::expected<std::string, std::string> FleetMonitor::resumeTextOfPast(const Session& past) const {
+    return environment.resumeText(past);
+}
+
+void FleetMonitor::readDetails(const std::string& id,
+                               std::function<void(const SessionDetails&)> then) {
+    const Session* found = session(id);
+    if (found == nullptr) return;
+    const std::weak_ptr<bool> alive = aliveToken;
+    runInBackground(
+        environment.loop, [read = environment.readDetails, asked = *found] { return read(asked); },
+        [this, alive, id, then = std::move(then)](const SessionDetails& details) {
+            if (!alive.expired() && session(id) != nullptr) then(details);
+        });
 }
 
 void FleetMonitor::answerNotification(const std::string& id, NotificationAction action) {
@@ -156,15 +195,25 @@ bool FleetMonitor::mayNotify(const Session& session) const {
                                         environment.settings.get(Settings::newSessionsNotify));
 }
 
-void FleetMonitor::toggleNotifying(const std::string& id) {
-    const Session* found = session(id);
-    if (found == nullptr) return;
-    using Anchor = NotificationPolicy::Anchor;
-    // The list may become another one with each change.
-    const Session meant = *found;
-    const bool wanted = !mayNotify(meant);
-    setNotifyOverride(Anchor::session, id, {});
-    if (mayNotify(meant) != wanted) setNotifyOverride(Anchor::session, id, wanted);
+void FleetMonitor::toggleNotifyingOf(const std::vector<std::string>& ids) {
+    const auto meant = listed(ids);
+    const bool wanted =
+        std::ranges::none_of(meant, [this](const Session& session) { return mayNotify(session); });
+    const bool isPreset = environment.settings.get(Settings::newSessionsNotify);
+    Json changed = environment.settings.get(Settings::sessionNotifyOverrides);
+    NotificationPolicy::Overrides others = overrides;
+    for (const Session& session : meant) {
+        const auto key =
+            NotificationPolicy::key(NotificationPolicy::Anchor::session, session.id, session.cwd);
+        if (!key) continue;
+        changed.erase(*key);
+        others.erase(*key);
+        // A choice of its own only where what holds without it is not what is wanted.
+        if (NotificationPolicy::notifies(session, others, isPreset) != wanted) {
+            changed[*key] = wanted;
+        }
+    }
+    change(Settings::sessionNotifyOverrides, changed);
 }
 
 void FleetMonitor::carryOut(
@@ -209,15 +258,31 @@ std::string FleetMonitor::handoffMark(const std::string& id) const {
 }
 
 void FleetMonitor::installHook() {
+    changeHook(HookInstaller::install, HookState::installed);
+}
+
+void FleetMonitor::removeHook() {
+    changeHook(HookInstaller::uninstall, HookState::missing);
+}
+
+void FleetMonitor::changeHook(HookChange howTo, HookState outcome) {
+    if (std::exchange(hookIsChanging, true)) return;
+    notify(&Observer::hookChanged);
     const std::weak_ptr<bool> alive = aliveToken;
     runInBackground(
         environment.loop,
-        [places = environment.hook, now = environment.loop.now()] {
-            return HookInstaller::install(places, now);
+        [howTo, places = environment.hook, now = environment.loop.now()] {
+            return howTo(places, now);
         },
-        [this, alive](const tl::expected<SettingsBackup, InstallError>& backup) {
+        [this, alive, outcome](const tl::expected<SettingsBackup, InstallError>& backup) {
             if (alive.expired()) return;
             hookFailure = backup ? std::string() : installErrorText(backup.error());
+            hookIsChanging = false;
+            if (backup) {
+                hookIsOutdated = false;
+                hook = outcome;
+                passPrecedesHook = isCollecting;
+            }
             notify(&Observer::hookChanged);
             refresh();
         });

@@ -19,6 +19,15 @@ std::optional<GoalStore::Goal> FleetMonitor::goal(const std::string& id) const {
     return fleetUsage.goal(id, isOwn ? costs.figures({id}).tally.all() : 0);
 }
 
+std::map<std::string, std::string> FleetMonitor::objectives() const {
+    std::map<std::string, std::string> objectives;
+    for (const auto& [id, entry] : fleetUsage.ownGoals().entries())
+        objectives.emplace(id, entry.objective);
+    for (const auto& [id, goal] : *usage().codexGoals)
+        objectives.emplace(id, goal.objective);
+    return objectives;
+}
+
 std::optional<OwnGoals::Entry> FleetMonitor::ownGoal(const std::string& id) const {
     return fleetUsage.ownGoals().entry(id);
 }

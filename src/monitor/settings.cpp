@@ -70,9 +70,10 @@ std::vector<std::string> Settings::keys() {
                    dormantRetentionDays, doneGraceMinutes, showsCodex, dismissedSessionIds,
                    favoriteSessionIds, language, appearanceMode, hideDockIcon, showIntroAtLaunch,
                    didCompleteOnboarding, didSetInitialWindowSize, didAdoptPreviousNameSettings,
-                   terminalPath, windowGeometry, feedURL, notificationsEnabled, isMuted,
-                   notifyingStates, newSessionsNotify, sessionNotifyOverrides, notifiesWindowReset,
-                   doneSound, waitingSound, windowResetSound, stateActions, webhookURL, staysAwake,
+                   terminalPath, windowGeometry, showsDetails, detailsWidth, archiveGeometry,
+                   settingsGeometry, feedURL, notificationsEnabled, isMuted, notifyingStates,
+                   newSessionsNotify, sessionNotifyOverrides, notifiesWindowReset, doneSound,
+                   waitingSound, windowResetSound, stateActions, webhookURL, staysAwake,
                    sparesFocusedSession, costDisplay, moneyBasis, usageShowsQuota, usageShowsTokens,
                    usageShowsMoney, usagePinned, usageGeometry, accountNames, ownGoals,
                    markShowsWorking, markShowsFiveHour, markShowsSevenDay, markShowsReset);

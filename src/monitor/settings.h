@@ -52,6 +52,13 @@ public:
     static constexpr Setting<std::string_view> terminalPath{"terminalPath", ""};
     /// Place and size of the main window, in the toolkit's form; empty at the first launch.
     static constexpr Setting<std::string_view> windowGeometry{"windowGeometry", ""};
+    /// Whether the main window has the details of the selected session beside the list.
+    static constexpr Setting<bool> showsDetails{"showsDetails", true};
+    /// How wide these details are, in device-independent pixels; 0 until the user changes it.
+    static constexpr Setting<std::int64_t> detailsWidth{"detailsWidth", 0};
+    /// Places and sizes of these windows, in the toolkit's form; empty at their first opening.
+    static constexpr Setting<std::string_view> archiveGeometry{"archiveGeometry", ""};
+    static constexpr Setting<std::string_view> settingsGeometry{"settingsGeometry", ""};
     /// In place of the update feed's address that the program was built with; not in the interface.
     static constexpr Setting<std::string_view> feedURL{"feedURL", ""};
 

@@ -1,13 +1,13 @@
 #include "sources/codex_rollouts.h"
 
+#include "sources/thread_name_index.h"
+
 #include <algorithm>
 #include <numeric>
 
 namespace fleetwise {
 
 namespace {
-
-constexpr std::size_t longestIndex = 16 << 20;
 
 /// The end of a line, with the figures or the words that tell it from another; empty where it
 /// cannot be read.
@@ -38,7 +38,7 @@ CodexRollouts::Listing CodexRollouts::load(const std::string& codexDirectory, co
     const auto values = readWithParents(wished, others, skipped);
     for (const auto& [id, file] : others)
         listing.otherIds.insert(id);
-    const auto names = threadNames(joinPath(codexDirectory, "session_index.jsonl"), skipped);
+    const auto names = threadNamesOf(codexDirectory, index, skipped);
     list(wished, values, *names, listing, skipped);
     return listing;
 }
@@ -164,22 +164,6 @@ CodexRollout CodexRollouts::rolloutOf(const FoundFile& file, const Reading& read
     rollout.failure = tail.failure;
     rollout.fileName = file.name;
     return rollout;
-}
-
-std::shared_ptr<const CodexStore::ThreadNames> CodexRollouts::threadNames(const std::string& path,
-                                                                          SkipTally& skipped) {
-    static const auto none = std::make_shared<const CodexStore::ThreadNames>();
-    const auto entry = inspectFile(path);
-    if (!entry) return none;
-    const FoundFile file{.path = path, .name = entry->name, .stamp = entry->stamp};
-    const auto values = index.load({file}, [&](const FoundFile& found, const auto&) {
-        const auto contents = readRegularFile(found.path, longestIndex);
-        if (!contents) skipped.count(contents.error());
-        return contents ? std::make_shared<const CodexStore::ThreadNames>(
-                              CodexStore::threadNames(*contents))
-                        : nullptr;
-    });
-    return values.front() ? values.front() : none;
 }
 
 }  // namespace fleetwise

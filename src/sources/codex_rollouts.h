@@ -60,8 +60,6 @@ private:
                                                 const FileCache<Reading>::Values& values);
     static CodexRollout rolloutOf(const FoundFile& file, const Reading& reading,
                                   const CodexStore::ThreadNames& names);
-    std::shared_ptr<const CodexStore::ThreadNames> threadNames(const std::string& path,
-                                                               SkipTally& skipped);
 
     FileCache<Reading> readings;
     FileCache<CodexStore::ThreadNames> index;

@@ -70,6 +70,9 @@ std::string Paths::attentionLogFile() {
 std::string Paths::pricesFile() {
     return inState("prices.json");
 }
+std::string Paths::archiveIndexFile() {
+    return inState("archive-index.json");
+}
 std::string Paths::costIndexFile() {
     return inState("cost-index.json");
 }

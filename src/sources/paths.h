@@ -26,6 +26,7 @@ public:
     static std::string stallsFile();         ///< the recorded stalls of the main thread
     static std::string attentionLogFile();   ///< how long sessions waited for the user
     static std::string pricesFile();         ///< the prices that were last fetched
+    static std::string archiveIndexFile();   ///< the titles and prompts of past sessions
     static std::string costIndexFile();      ///< what was read about cost, to be read only once
     static std::string usageSamplesFile();   ///< the quota figures that Claude Code was told
     static std::string settingsFile();       ///< Claude Code's user settings

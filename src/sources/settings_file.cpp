@@ -6,12 +6,15 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <utility>
 
 namespace fleetwise {
 
 namespace {
 
 constexpr std::size_t maximumSizeBytes = 16 << 20;
+constexpr std::string_view backupPrefix = "settings.backup.";
 constexpr int maximumLinks = 40;  // as many as the system itself follows
 
 /// The file that `path` leads to over links, whether it exists or not.
@@ -40,7 +43,7 @@ std::string unusedBackupPath(const std::string& folder, Date now) {
     constexpr std::size_t lengthToTheSecond = 19;
     std::string time = internetDate(now).substr(0, lengthToTheSecond);
     std::replace(time.begin(), time.end(), ':', '-');
-    const std::string stem = joinPath(folder, "settings.backup." + time + "Z");
+    const std::string stem = joinPath(folder, std::string(backupPrefix) + time + "Z");
     std::string path = stem + ".json";
     for (int number = 2; inspectFile(path); ++number)
         path = stem + "-" + std::to_string(number) + ".json";
@@ -86,6 +89,20 @@ tl::expected<SettingsBackup, FileFailure> SettingsFile::backUp(const std::string
     const auto written = writeFileAtomically(path, *contents);
     if (!written) return tl::unexpected(FileFailure{path, written.error()});
     return SettingsBackup{path};
+}
+
+std::vector<std::string> SettingsFile::backups(const std::string& backupFolder) {
+    auto entries = listDirectory(backupFolder, ".json");
+    std::erase_if(entries, [](const auto& entry) {
+        return entry.kind != FileKind::regular || !entry.name.starts_with(backupPrefix);
+    });
+    std::ranges::sort(entries, std::greater(), [](const auto& entry) {
+        return std::pair(entry.stamp.modifiedNanoseconds, entry.name);
+    });
+    std::vector<std::string> paths;
+    for (const auto& entry : entries)
+        paths.push_back(joinPath(backupFolder, entry.name));
+    return paths;
 }
 
 }  // namespace fleetwise

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace fleetwise {
 
@@ -33,6 +34,9 @@ public:
     tl::expected<SettingsBackup, FileFailure> write(const Json& document,
                                                     const std::string& backupFolder,
                                                     Date now) const;
+
+    /// The copies in `backupFolder`, the latest first; full paths.
+    static std::vector<std::string> backups(const std::string& backupFolder);
 
 private:
     tl::expected<SettingsBackup, FileFailure> backUp(const std::string& folder, Date now) const;

@@ -5,8 +5,10 @@
 #include "foundation/text.h"
 #include "sources/plain_file_name.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
+#include <utility>
 
 namespace fleetwise {
 
@@ -14,13 +16,14 @@ namespace {
 
 constexpr std::size_t maximumBytes = 1 << 20;
 
-enum class Status { pending, inProgress, completed, other };
+using Status = TaskListStore::Status;
 
-Status statusFrom(std::string_view text) {
+/// Nothing for a status unknown to us, such as that of a task given up: neither open nor done.
+std::optional<Status> statusFrom(std::string_view text) {
     if (text == "pending") return Status::pending;
     if (text == "in_progress") return Status::inProgress;
     if (text == "completed") return Status::completed;
-    return Status::other;
+    return {};
 }
 
 /// Nothing where the member is no text or blank.
@@ -40,8 +43,9 @@ int numberOf(const std::string& name) {
 }  // namespace
 
 struct TaskListStore::Task {
-    Status status = Status::other;
-    std::optional<std::string> activeForm;
+    std::optional<Status> status;
+    std::optional<std::string> subject;
+    std::optional<std::string> activeForm;  ///< else the subject
 
     static std::optional<Task> decoded(std::string_view padded) {
         Task task;
@@ -52,9 +56,9 @@ struct TaskListStore::Task {
             if (!name) return;
             hasStatus = true;
             task.status = statusFrom(*name);
-            for (const char* key : {"activeForm", "subject"}) {
-                if (!task.activeForm) task.activeForm = printableMember(object, key);
-            }
+            task.subject = printableMember(object, "subject");
+            task.activeForm = printableMember(object, "activeForm");
+            if (!task.activeForm) task.activeForm = task.subject;
         });
         if (!isObject || !hasStatus) return {};
         return task;
@@ -63,8 +67,8 @@ struct TaskListStore::Task {
 
 TaskListStore::TaskListStore(std::string sessionsFolder) : directory(std::move(sessionsFolder)) {}
 
-std::optional<TaskListStore::Progress> TaskListStore::progress(const std::string& sessionId,
-                                                               SkipTally& skipped) {
+std::vector<RecordCache<TaskListStore::Task>::Loaded> TaskListStore::load(
+    const std::string& sessionId, SkipTally& skipped) {
     if (!isPlainFileName(sessionId)) return {};
     const std::string folder = joinPath(directory, sessionId);
     const auto entry = inspectFile(folder);
@@ -73,12 +77,16 @@ std::optional<TaskListStore::Progress> TaskListStore::progress(const std::string
         ++skipped.notRegular;
         return {};
     }
+    return cache.load(folder, maximumBytes, skipped, Task::decoded);
+}
+
+std::optional<TaskListStore::Progress> TaskListStore::progress(const std::string& sessionId,
+                                                               SkipTally& skipped) {
     Progress progress;
     int activeNumber = std::numeric_limits<int>::max();
-    for (const auto& loaded : cache.load(folder, maximumBytes, skipped, Task::decoded)) {
+    for (const auto& loaded : load(sessionId, skipped)) {
         const Task& task = *loaded.record;
-        // A status unknown to us, such as that of a task given up, is neither open nor done.
-        if (task.status == Status::other) continue;
+        if (!task.status) continue;
         ++progress.total;
         if (task.status == Status::completed) ++progress.completed;
         if (task.status != Status::inProgress) continue;
@@ -91,6 +99,20 @@ std::optional<TaskListStore::Progress> TaskListStore::progress(const std::string
     }
     if (progress.total == 0) return {};
     return progress;
+}
+
+std::vector<TaskListStore::Item> TaskListStore::list(const std::string& sessionId,
+                                                     SkipTally& skipped) {
+    auto records = load(sessionId, skipped);
+    std::ranges::sort(records, {}, [](const auto& loaded) {
+        return std::pair(numberOf(loaded.name), loaded.name);
+    });
+    std::vector<Item> items;
+    for (const auto& loaded : records) {
+        const Task& task = *loaded.record;
+        if (task.status) items.push_back({task.subject.value_or(""), *task.status});
+    }
+    return items;
 }
 
 }  // namespace fleetwise

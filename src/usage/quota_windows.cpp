@@ -201,11 +201,15 @@ std::string accountTitle(const std::string& org, int rang, const Json& names) {
     if (const auto name = member<std::string>(names, org); name && !trimmed(*name).empty()) {
         return *name;
     }
-    return rang == 0 ? localised("Dieses Konto"_text)
-                     : localisedFormat("Weiteres Konto %d"_text, rang);
+    return UsageHistoryStore::substituteTitle(rang);
 }
 
 }  // namespace
+
+std::string UsageHistoryStore::substituteTitle(int rang) {
+    return rang == 0 ? localised("Dieses Konto"_text)
+                     : localisedFormat("Weiteres Konto %d"_text, rang);
+}
 
 std::optional<Window> UsageHistoryStore::fiveHourWindow(const UsageSamples& from, Date now,
                                                         const std::optional<Notice>& meldung,

@@ -78,6 +78,9 @@ public:
                                      const std::optional<Notice>& meldung, const Json& accountNames,
                                      Calendar calendar, const ToldWindowEnds& told = {});
 
+    /// What an account without a name of the user's is called, in the interface language.
+    static std::string substituteTitle(int rang);
+
     /// The organisations of the samples, the one of the most recent sample first, then in the
     /// order of their latest samples. Samples after `now` do not count.
     static std::vector<std::string> orgs(const UsageSamples& from, Date now = Date::max());

@@ -192,6 +192,13 @@ TEST(CostStore, readsCodexWhereWantedAndRecent) {
     EXPECT_FALSE(store->refresh(home.now, false).hasChanged) << "unwanted is not gone";
 }
 
+std::int64_t outputUsed(const ModelTallies& used) {
+    std::int64_t sum = 0;
+    for (const auto& [model, tally] : used)
+        sum += tally.output;
+    return sum;
+}
+
 TEST(CostStore, countsWhatForksCopiedOnceInEveryCompany) {
     const CostHome home;
     const auto requests = [](const char* names) {
@@ -225,10 +232,15 @@ TEST(CostStore, countsWhatForksCopiedOnceInEveryCompany) {
         }
         do {
             ASSERT_EQ(total(*store->sessions(), company).output, expected) << chosen;
+            for (const char* first : {"", "2026-11-21"}) {
+                ASSERT_EQ(outputUsed(CostSum(store->sessions()).used(company, first)), expected);
+            }
         } while (std::ranges::next_permutation(company).found);
     }
     const auto day = CostSum(store->sessions()).ofDay("2026-11-21", Prices::Book::builtIn());
     EXPECT_EQ(day.tally.output, 255);
+    EXPECT_EQ(outputUsed(CostSum(store->sessions()).used("2026-11-21")), 255);
+    EXPECT_EQ(outputUsed(CostSum(store->sessions()).used("2026-11-22")), 0);
 }
 
 TEST(CostStore, growsAsItWouldStartAfresh) {

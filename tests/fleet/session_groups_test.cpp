@@ -123,6 +123,9 @@ TEST(SessionGroups, followTheRules) {
          "Wartet auf Eingabe(a) | Abgebrochen(d) | Arbeitet(b) | ~Selbstgesteuerte Sitzungen(c)"},
         {"search in any case, all words", {.search = " ÖLSTAND  engine "}, "Wartet auf Eingabe(a)"},
         {"search by state", {.search = "ruhend older"}, "Ruhend(f)"},
+        {"search by goal",
+         {.search = "budget halbieren", .objectives = {{"b", "Das Budget halbieren"}}},
+         "Arbeitet(b)"},
         {"nothing found", {.search = "nowhere"}, ""},
     };
     for (const auto& row : rows) {

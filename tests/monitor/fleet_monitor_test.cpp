@@ -89,7 +89,9 @@ TEST_F(FleetMonitorTest, installsTheHookOnlyWhenAskedTo) {
     EXPECT_EQ(monitor.hookState(), FleetMonitor::HookState::missing);
     EXPECT_FALSE(std::filesystem::exists(home.at("settings.json")));
     monitor.installHook();
+    EXPECT_TRUE(monitor.isHookChanging());
     finishAll();
+    EXPECT_FALSE(monitor.isHookChanging());
     EXPECT_EQ(monitor.hookState(), FleetMonitor::HookState::installed);
     EXPECT_EQ(monitor.hookProblem(), "");
 }

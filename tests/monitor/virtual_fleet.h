@@ -112,6 +112,8 @@ public:
     StallWatchdog watchdog{"", [](const auto&) {}};
     AttentionLog attentionLog{home.at("attention-log.json"), start};
     TransitionNotes transitions;
+    StateTimeline timeline;
+    SessionDetails nextDetails;  ///< what is read of any session
     KeptNotifications notifications;
     Notifier notifier{notifications, date::locate_zone("Europe/Berlin"), {}};
     KeptCommands players;
@@ -144,6 +146,7 @@ private:
                     nextUsage.at = now;
                     return nextUsage;
                 },
+            .readDetails = [this](const Session&) { return nextDetails; },
             .hook = {.settingsFile = home.at("settings.json"),
                      .stateDir = home.at("state"),
                      .statusDir = home.at("state/status"),
@@ -163,7 +166,8 @@ private:
                     return episodes;
                 },
             .watchdog = watchdog,
-            .reactions = {&notifier, &sounds, &transitions, &attentionLog},
+            .timeline = timeline,
+            .reactions = {&notifier, &sounds, &transitions, &attentionLog, &timeline},
             .focus = [this](const Session& session) { return carriedOut("focus " + session.id); },
             .resume = [this](const Session& session) { return carriedOut("resume " + session.id); },
             .resumeText = [](const Session& session) -> tl::expected<std::string, std::string> {

@@ -5,8 +5,8 @@ presets := dev release asan tsan fuzz bench
 configured := $(presets:%=configure-%)
 built := $(presets:%=build-%)
 
-.PHONY: run demo test install bench asan tsan fuzz format format-check tidy clean
-.PHONY: packages test-packages check-packages $(configured) $(built)
+.PHONY: run demo screenshots test install package bench asan tsan fuzz format format-check tidy clean
+.PHONY: packages test-packages check-packages package-packages $(configured) $(built)
 .NOTPARALLEL:
 
 # Without a display the program prints its report.
@@ -18,11 +18,21 @@ run: configure-release
 demo: build-release
 	build/release/bin/fleetwise-demo
 
+# Pictures of every window in several languages and looks, and which of its texts are cut.
+screenshots: configure-dev
+	cmake --build --preset dev --target fleetwise-screenshots
+	build/dev/bin/fleetwise-screenshots build/screenshots
+
 test: test-packages build-dev
 	ctest --preset dev
 
 install: build-release
 	cmake --install build/release --prefix "$(PREFIX)"
+
+# For Debian and Ubuntu: build/release/fleetwise_VERSION_ARCHITECTURE.deb.
+package: package-packages build-release
+	cmake --build --preset release --target package
+	lintian --fail-on error,warning build/release/fleetwise_*.deb
 
 bench: build-bench
 	build/bench/bin/fleetwise-benchmarks
@@ -53,6 +63,9 @@ test-packages:
 
 check-packages:
 	scripts/install-packages --checks
+
+package-packages:
+	scripts/install-packages --package
 
 $(configured): configure-%: packages
 	cmake --preset $*

@@ -68,11 +68,9 @@ function(fleetwise_kind variable name)
     endif()
 endfunction()
 
-# Sources of the folder `directory` and of the rooms in it; a file named *_linux.cpp or *_macos.cpp is
-# built only there.
+# Sources of the folder `directory`; a file named *_linux.cpp or *_macos.cpp is built only there.
 function(fleetwise_sources variable directory)
-    file(GLOB files CONFIGURE_DEPENDS ${directory}/*.cpp ${directory}/*.h ${directory}/*/*.cpp
-         ${directory}/*/*.h)
+    file(GLOB files CONFIGURE_DEPENDS ${directory}/*.cpp ${directory}/*.h)
     if(APPLE)
         list(FILTER files EXCLUDE REGEX "_linux\\.cpp$")
     else()
@@ -81,10 +79,13 @@ function(fleetwise_sources variable directory)
     set(${variable} ${files} PARENT_SCOPE)
 endfunction()
 
-# fleetwise_layer(NAME [libraries…]): the static library fleetwise_NAME of the folder src/NAME,
-# linked to the layers that cmake/layers.txt allows it and to the given libraries.
+# fleetwise_layer(NAME [libraries…]): the static library fleetwise_NAME of the folder src/NAME and
+# the rooms in it, linked to the layers that cmake/layers.txt allows it and to the given libraries.
 function(fleetwise_layer name)
     fleetwise_sources(files ${CMAKE_CURRENT_SOURCE_DIR})
+    file(GLOB rooms CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*/*.cpp
+         ${CMAKE_CURRENT_SOURCE_DIR}/*/*.h)
+    list(APPEND files ${rooms})
     add_library(fleetwise_${name} STATIC ${files})
     file(STRINGS ${CMAKE_SOURCE_DIR}/cmake/layers.txt rows REGEX "^${name}:")
     if(NOT rows)

@@ -14,6 +14,9 @@
 //
 // fleetwise-bench live HOME HOOK [N]: times N events (200 unless given) from the start of the hook
 // program to the list that shows them; see live_bench.h.
+//
+// fleetwise-bench windows HOME [N]: times how long each window takes to open, and opens and closes
+// all of them N times (50 unless given); see window_bench.h.
 
 #include "app/machine_sources.h"
 #include "bench_support.h"
@@ -23,6 +26,7 @@
 #include "live_bench.h"
 #include "monitor/settings.h"
 #include "sources/paths.h"
+#include "window_bench.h"
 
 #include <nlohmann/json.hpp>
 
@@ -38,6 +42,7 @@ namespace {
 constexpr int usualPasses = 20;
 constexpr int usualHookRuns = 100;
 constexpr int usualEvents = 200;
+constexpr int usualRounds = 50;
 
 struct Measurement {
     double milliseconds = 0;
@@ -91,7 +96,8 @@ int usage() {
         "usage: fleetwise-bench pass HOME [N]\n"
         "       fleetwise-bench cost HOME [--threads N]\n"
         "       fleetwise-bench hook PROGRAM [N]\n"
-        "       fleetwise-bench live HOME PROGRAM [N]\n",
+        "       fleetwise-bench live HOME PROGRAM [N]\n"
+        "       fleetwise-bench windows HOME [N]\n",
         stderr);
     return 2;
 }
@@ -144,6 +150,14 @@ int runLive(const std::vector<std::string>& given) {
                                                   : missing(hook, "program");
 }
 
+int runWindows(const std::vector<std::string>& given) {
+    const int rounds = countAt(given, 2, usualRounds);
+    if (rounds < 1) return usage();
+    const std::string home = absolute(given[1]);
+    return std::filesystem::is_directory(home) ? benchWindows(home, rounds)
+                                               : missing(home, "folder");
+}
+
 }  // namespace
 }  // namespace fleetwise
 
@@ -154,5 +168,6 @@ int main(int argumentCount, char** arguments) {
     if (given[0] == "pass") return runPass(given);
     if (given[0] == "cost") return runCost(given);
     if (given[0] == "hook") return runHook(given);
-    return given[0] == "live" ? runLive(given) : usage();
+    if (given[0] == "live") return runLive(given);
+    return given[0] == "windows" ? runWindows(given) : usage();
 }

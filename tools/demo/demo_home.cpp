@@ -22,6 +22,7 @@ generator::Plan planFor(const DemoHome::Wish& wish) {
     plan.forkedRollouts = 1;
     plan.compressedRollouts = 2;
     plan.projects = 8;
+    plan.usageDays = 12;
     plan.seed = wish.seed;
     plan.pid = wish.pid;
     return plan;

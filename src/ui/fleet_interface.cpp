@@ -5,6 +5,7 @@
 #include "ui/base/cost_display.h"
 #include "ui/base/interface_text.h"
 #include "ui/base/theme.h"
+#include "ui/fleet/session_menu.h"
 #include "ui/mark/mark_settings.h"
 #include "ui/mark/mark_tooltip.h"
 #include "ui/quota/quota_figures.h"
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace fleetwise {
 
@@ -41,10 +43,14 @@ bool isAnyWindowVisible() {
 
 }  // namespace
 
-FleetInterface::FleetInterface(FleetMonitor& givenMonitor, QApplication& givenApplication)
+FleetInterface::FleetInterface(FleetMonitor& givenMonitor, ArchiveIndex& givenArchive,
+                               SettingsServices givenServices, QApplication& givenApplication,
+                               const QPalette& givenPalette)
     : monitor(givenMonitor),
+      archive(givenArchive),
+      services(std::move(givenServices)),
       application(givenApplication),
-      desktopPalette(QApplication::palette()),
+      desktopPalette(givenPalette),
       listModel(monitor, [this] { return monitor.groups(); }),
       glanceModel(monitor, [this] { return buildGlance(monitor.sessions()); }),
       window(monitor, listModel),
@@ -71,9 +77,24 @@ FleetInterface::~FleetInterface() {
     monitor.setVisibility({});
 }
 
-void FleetInterface::start() {
+void FleetInterface::start(const OpenWindows& windows) {
     hasStarted = true;
-    window.bringUp();
+    if (windows.fleet) window.bringUp();
+    if (windows.usage) showUsage();
+    if (windows.archive) showArchive();
+    if (windows.settingsPage) showSettings(*windows.settingsPage);
+    if (windows.onboarding) showOnboarding();
+    followTray();
+}
+
+FleetInterface::OpenWindows FleetInterface::openWindows() const {
+    const auto isOpen = [](const auto& each) { return each != nullptr && each->isVisible(); };
+    OpenWindows windows{.fleet = window.isVisible() && !window.isMinimized(),
+                        .usage = isOpen(usageWindow),
+                        .archive = isOpen(archiveWindow),
+                        .onboarding = isOpen(onboarding)};
+    if (isOpen(settingsWindow)) windows.settingsPage = settingsWindow->currentPageId();
+    return windows;
 }
 
 void FleetInterface::show(const Notification& notification) {
@@ -86,12 +107,51 @@ void FleetInterface::show(const Notification& notification) {
     tray.showMessage(messageLine(notification.title), lines.join(u'\n'));
 }
 
-void FleetInterface::showUsage() {
-    if (usageWindow == nullptr) {
-        usageWindow = std::make_unique<UsageWindow>(monitor);
-        usageWindow->setWindowIcon(window.windowIcon());
+/// The window, made where it is missing.
+template <typename Window, typename... Arguments>
+Window& FleetInterface::made(std::unique_ptr<Window>& given, Arguments&&... arguments) {
+    if (given == nullptr) {
+        given = std::make_unique<Window>(std::forward<Arguments>(arguments)...);
     }
-    usageWindow->bringUp();
+    return *given;
+}
+
+void FleetInterface::showUsage() {
+    const bool isNew = usageWindow == nullptr;
+    UsageWindow& usage = made(usageWindow, monitor, archive);
+    if (isNew) {
+        connect(&usage, &UsageWindow::priceSettingsWanted, this,
+                [this] { showSettings("prices"); });
+    }
+    usage.bringUp();
+}
+
+void FleetInterface::showArchive() {
+    made(archiveWindow, monitor, archive).bringUp();
+}
+
+void FleetInterface::showSettings(const std::string& page) {
+    const bool isNew = settingsWindow == nullptr;
+    SettingsWindow& settings = made(settingsWindow, monitor, services);
+    if (isNew) {
+        connect(&settings, &SettingsWindow::onboardingWanted, this,
+                &FleetInterface::showOnboarding);
+    }
+    if (!page.empty()) settings.showPage(page);
+    settings.bringUp();
+}
+
+void FleetInterface::showOnboarding() {
+    const bool isNew = onboarding == nullptr;
+    OnboardingWindow& intro = made(onboarding, monitor);
+    if (isNew) {
+        connect(&intro, &OnboardingWindow::finished, this, [this] {
+            // It is seen once, and would follow the fleet ever after.
+            onboarding.release()->deleteLater();
+            window.bringUp();
+        });
+    }
+    intro.bringUp();
 }
 
 void FleetInterface::connectTray() {
@@ -109,19 +169,33 @@ void FleetInterface::connectTray() {
 void FleetInterface::connectPopover() {
     connect(&popover, &FleetPopover::windowWanted, &window, &FleetWindow::bringUp);
     connect(&window, &FleetWindow::usageWanted, this, &FleetInterface::showUsage);
+    connect(&window, &FleetWindow::archiveWanted, this, &FleetInterface::showArchive);
+    connect(&window, &FleetWindow::settingsWanted, this, [this] { showSettings(); });
     connect(&popover, &FleetPopover::usageWanted, this, &FleetInterface::showUsage);
-    connect(&popover, &FleetPopover::opening, this, &FleetInterface::updatePopover);
-    connect(&popover, &FleetPopover::activated, this, [this](const QModelIndex& index) {
-        if (glanceModel.row(index).kind == SessionRow::Kind::heading) {
-            glanceModel.toggleFolded(index);
-            popover.reveal(index);
-            return;
-        }
-        const std::string id = glanceModel.row(index).key.toStdString();
-        monitor.activate(id);
+    connect(&popover, &FleetPopover::settingsWanted, this, [this] { showSettings(); });
+    const auto hideUnlessTold = [this](const std::string& id) {
         // What stood in the way is told in the row.
         if (!monitor.notice(id)) popover.hide();
-    });
+    };
+    connect(&popover, &FleetPopover::menuWanted, this,
+            [this, hideUnlessTold](const QModelIndex& index, const QPoint& position) {
+                if (glanceModel.row(index).kind == SessionRow::Kind::heading) return;
+                const std::string id = glanceModel.row(index).key.toStdString();
+                showSessionMenu(monitor, id, &popover, position,
+                                [hideUnlessTold, id] { hideUnlessTold(id); });
+            });
+    connect(&popover, &FleetPopover::opening, this, &FleetInterface::updatePopover);
+    connect(&popover, &FleetPopover::activated, this,
+            [this, hideUnlessTold](const QModelIndex& index) {
+                if (glanceModel.row(index).kind == SessionRow::Kind::heading) {
+                    glanceModel.toggleFolded(index);
+                    popover.reveal(index);
+                    return;
+                }
+                const std::string id = glanceModel.row(index).key.toStdString();
+                monitor.activate(id);
+                hideUnlessTold(id);
+            });
 }
 
 void FleetInterface::followTray() {
@@ -133,7 +207,7 @@ void FleetInterface::followTray() {
 
 void FleetInterface::settingsChanged() {
     applyAppearance();
-    glanceDelegate.setAmounts(costDisplay(monitor.settings()).amounts());
+    glanceDelegate.setCosts(costDisplay(monitor.settings()));
     showMark();
     showQuota();
     showToday();
@@ -177,9 +251,9 @@ void FleetInterface::showMark() {
         tooltip.quota = quotaTooltip(usage, now, monitor.calendar());
     }
     tray.setToolTip(qtText(markTooltip(tooltip)));
-    if (figures == shownMark && !window.windowIcon().isNull()) return;
+    if (figures == shownMark && !QApplication::windowIcon().isNull()) return;
     shownMark = figures;
-    window.setWindowIcon(markIcon(figures, MarkStyle::badge, Appearance::dark));
+    QApplication::setWindowIcon(markIcon(figures, MarkStyle::badge, Appearance::dark));
 }
 
 /// The clock may stand still while no window can be seen.

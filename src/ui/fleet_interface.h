@@ -1,9 +1,14 @@
 #pragma once
 
+#include "monitor/archive_index.h"
 #include "monitor/fleet_monitor.h"
+#include "ui/archive/archive_window.h"
 #include "ui/fleet/fleet_list_model.h"
 #include "ui/fleet/fleet_window.h"
 #include "ui/fleet/session_row_delegate.h"
+#include "ui/onboarding/onboarding_window.h"
+#include "ui/settings/settings_services.h"
+#include "ui/settings/settings_window.h"
 #include "ui/tray/fleet_popover.h"
 #include "ui/tray/tray_item.h"
 #include "ui/usage/usage_window.h"
@@ -12,6 +17,8 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
+#include <string>
 
 class QApplication;
 
@@ -22,15 +29,34 @@ class FleetInterface final : public QObject, private FleetMonitor::Observer {
     Q_OBJECT
 
 public:
-    /// Both outlive this.
-    FleetInterface(FleetMonitor& monitor, QApplication& application);
+    /// What of the application can be seen.
+    struct OpenWindows {
+        bool fleet = false;
+        bool usage = false;
+        bool archive = false;
+        bool onboarding = false;
+        std::optional<std::string> settingsPage;
+
+        bool operator==(const OpenWindows&) const = default;
+    };
+
+    /// All that is referred to outlives this. `desktopPalette` is the palette that the desktop gave
+    /// the application before it got ours.
+    FleetInterface(FleetMonitor& monitor, ArchiveIndex& archive, SettingsServices services,
+                   QApplication& application, const QPalette& desktopPalette);
     ~FleetInterface() override;
 
-    /// Shows the main window.
-    void start();
+    /// Shows these windows. Without a tray the main window is among them, minimised.
+    void start(const OpenWindows& windows);
 
-    /// Shows the usage window.
+    OpenWindows openWindows() const;
+
     void showUsage();
+    void showArchive();
+    /// At the page of this id, see SettingsWindow; where it last stood, if empty.
+    void showSettings(const std::string& page = {});
+    /// Tells what the application reads, writes and shows.
+    void showOnboarding();
 
     /// Says something in the main window, for a while.
     void tell(const QString& message) { window.tell(message); }
@@ -58,7 +84,12 @@ private:
     void updatePopover();
     Date quotaTime() const;
 
+    template <typename Window, typename... Arguments>
+    Window& made(std::unique_ptr<Window>& window, Arguments&&... arguments);
+
     FleetMonitor& monitor;
+    ArchiveIndex& archive;
+    const SettingsServices services;
     QApplication& application;
     const QPalette desktopPalette;
     FleetListModel listModel;
@@ -66,7 +97,11 @@ private:
     SessionRowDelegate glanceDelegate;
     FleetWindow window;
     FleetPopover popover;
-    std::unique_ptr<UsageWindow> usageWindow;  ///< made when it is first wanted
+    // Made when they are first wanted.
+    std::unique_ptr<UsageWindow> usageWindow;
+    std::unique_ptr<ArchiveWindow> archiveWindow;
+    std::unique_ptr<SettingsWindow> settingsWindow;
+    std::unique_ptr<OnboardingWindow> onboarding;
     TrayItem tray;
     MarkFigures shownMark;
     std::string toldSession;  ///< of the latest message beside the mark; may be empty

@@ -3,6 +3,7 @@
 // literal and without escapes; any other would be missing in the tables here.
 
 #include "foundation/text.h"
+#include "localisation/language.h"
 #include "localisation/strings_table.h"
 #include "localisation/text_pattern.h"
 #include "support/temporary_directory.h"
@@ -12,6 +13,7 @@
 #include <filesystem>
 #include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 
 namespace fleetwise::testing {
@@ -59,6 +61,45 @@ TEST(Texts, standInEveryTable) {
             EXPECT_TRUE(table.contains(text))
                 << language << " lacks \"" << text << "\" of " << file;
         }
+    }
+}
+
+/// What is counted, as localisedCount is given it: the wording for several.
+std::set<std::string> countedTexts() {
+    static const std::regex call(
+        R"re((?:shownCount|localisedCount)\([^;]*?"[^"]+"_text,\s*"([^"]+)"_text)re");
+    std::set<std::string> texts;
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(sourceDirectory() + "/src")) {
+        if (entry.path().extension() != ".cpp") continue;
+        const std::string source = contentsOf(entry.path().string());
+        for (std::sregex_iterator match(source.begin(), source.end(), call), end; match != end;
+             ++match) {
+            texts.insert((*match)[1]);
+        }
+    }
+    return texts;
+}
+
+TEST(Texts, areThereInEveryLanguageAndNoMore) {
+    const auto texts = textsOfAllSources();
+    const auto tables = allTables();
+    for (const std::string_view language : interfaceLanguages)
+        EXPECT_TRUE(language == "de" || tables.contains(std::string(language))) << language;
+    for (const auto& [language, table] : tables) {
+        for (const auto& [german, wording] : table) {
+            EXPECT_TRUE(texts.contains(german.substr(0, german.find("|few"))))
+                << language << " has \"" << german << "\", which nothing shows";
+        }
+    }
+}
+
+TEST(Texts, haveAllFormsOfWhatIsCounted) {
+    const StringsTable polish = loadStringsTable(sourceDirectory() + "/resources", "pl");
+    const auto texts = countedTexts();
+    ASSERT_GT(texts.size(), 3U);
+    for (const std::string& text : texts) {
+        EXPECT_TRUE(polish.contains(text + "|few")) << text;
     }
 }
 

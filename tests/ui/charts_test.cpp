@@ -154,21 +154,20 @@ UsageDay dayWith(int models, std::int64_t tokens) {
 }
 
 TEST(SpendingFigures, stackFiveSeriesAtMost) {
-    const auto five = spendingFigures({dayWith(5, 10), dayWith(0, 0)}, SpendingFigure::tokens);
+    const auto five = spendingFigures({dayWith(5, 10), dayWith(0, 0)}, UsageFigure::tokens);
     EXPECT_FALSE(five.hasRest);
     EXPECT_EQ(five.days, (std::vector<std::vector<double>>{{50, 40, 30, 20, 10}, {0, 0, 0, 0, 0}}));
-    const auto seven = spendingFigures({dayWith(7, 10), dayWith(1, 5)}, SpendingFigure::tokens);
+    const auto seven = spendingFigures({dayWith(7, 10), dayWith(1, 5)}, UsageFigure::tokens);
     EXPECT_TRUE(seven.hasRest);
     EXPECT_EQ(seven.series.back(), (SpendingFigures::Series{"Übrige", 30 + 20 + 10 + 5}));
     EXPECT_EQ(seven.days,
               (std::vector<std::vector<double>>{{70, 60, 50, 40, 60}, {0, 0, 0, 0, 5}}));
-    const auto money = spendingFigures({dayWith(2, 10)}, SpendingFigure::money);
+    const auto money = spendingFigures({dayWith(2, 10)}, UsageFigure::money);
     EXPECT_EQ(money.series, (std::vector<SpendingFigures::Series>{{"Modell 1", 2}}));
-    const FigureTable table =
-        spendingTable({dayWith(7, 10), dayWith(0, 0)}, SpendingFigure::tokens);
+    const FigureTable table = spendingTable({dayWith(7, 10), dayWith(0, 0)}, UsageFigure::tokens);
     EXPECT_EQ(table.headings.size(), 1 + 7 + 1U);
     EXPECT_EQ(table.rows.front().back().number, 280);
-    EXPECT_TRUE(spendingFigures({}, SpendingFigure::tokens).series.empty());
+    EXPECT_TRUE(spendingFigures({}, UsageFigure::tokens).series.empty());
 }
 
 }  // namespace

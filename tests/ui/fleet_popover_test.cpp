@@ -7,6 +7,8 @@
 #include <QScreen>
 #include <QStandardItemModel>
 #include <QStyledItemDelegate>
+#include <QTest>
+#include <QToolButton>
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -78,6 +80,50 @@ TEST_F(FleetPopoverTest, isUsedWithTheKeyboard) {
     EXPECT_EQ(activated, (std::vector<int>{0, 1}));
     press(Qt::Key_Escape);
     EXPECT_FALSE(popover.isVisible());
+}
+
+TEST_F(FleetPopoverTest, asksForTheMenuOfARow) {
+    std::vector<int> wanted;
+    QObject::connect(&popover, &FleetPopover::menuWanted,
+                     [&](const QModelIndex& index, const QPoint& place) {
+                         EXPECT_TRUE(popover.frameGeometry().contains(place));
+                         wanted.push_back(index.row());
+                     });
+    add(3);
+    open();
+    press(Qt::Key_Menu);
+    EXPECT_TRUE(wanted.empty()) << "nothing is selected yet";
+    press(Qt::Key_Down);
+    press(Qt::Key_Menu);
+    auto& list = *popover.findChild<QListView*>();
+    const QPoint place = list.visualRect(model.index(1, 0)).center();
+    QContextMenuEvent rightButton(QContextMenuEvent::Mouse, place,
+                                  list.viewport()->mapToGlobal(place));
+    QApplication::sendEvent(list.viewport(), &rightButton);
+    EXPECT_EQ(wanted, (std::vector<int>{0, 1}));
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                      list.visualRect(model.index(2, 0)).center());
+    EXPECT_EQ(activated, (std::vector<int>{2}));
+}
+
+TEST_F(FleetPopoverTest, showsTheWholeSumWhereTextsAreLarge) {
+    add(3);
+    popover.setCosts("Heute ≈ 1.234.567 $ + ?", {});
+    open();
+    for (const double factor : {1.0, 2.0}) {
+        QFont font = QApplication::font();
+        font.setPointSizeF(factor * font.pointSizeF());
+        popover.setFont(font);
+        QApplication::processEvents();
+        for (const QLabel* label : popover.findChildren<QLabel*>()) {
+            if (!label->isVisible()) continue;
+            EXPECT_GE(label->width(), label->sizeHint().width());
+        }
+        for (const QToolButton* button : popover.findChildren<QToolButton*>()) {
+            const QRect area(button->mapTo(&popover, QPoint()), button->size());
+            EXPECT_TRUE(popover.rect().contains(area)) << button->text().toStdString();
+        }
+    }
 }
 
 TEST_F(FleetPopoverTest, staysClosedAtTheClickThatClosedIt) {

@@ -5,11 +5,13 @@
 #include "monitor/virtual_fleet.h"
 #include "ui/base/chip_button.h"
 #include "ui/billed_session.h"
+#include "ui/details/details_pane.h"
 #include "ui/fleet/cost_footer.h"
 #include "ui/fleet/filter_bar.h"
 #include "ui/fleet/fleet_list_model.h"
 #include "ui/fleet/fleet_view.h"
 #include "ui/fleet/hook_banner.h"
+#include "ui/fleet/session_row_delegate.h"
 #include "ui/fleet/view_menu.h"
 #include "ui/made_up_usage.h"
 #include "ui/quota/quota_strip.h"
@@ -38,7 +40,7 @@ protected:
     }
 
     FleetView& view() { return *window.findChild<FleetView*>(); }
-    void select(const char* id) { view().setCurrentIndex(model.indexOf(id)); }
+    void select(const char* id) { view().select(id); }
     void press(Qt::Key key) { QTest::keyClick(&view(), key); }
     bool says(const std::string& text) const {
         const auto labels = window.findChildren<QLabel*>();
@@ -76,6 +78,103 @@ TEST_F(FleetWindowTest, isWorkedByKeys) {
     press(Qt::Key_Right);
     press(Qt::Key_Down);
     EXPECT_EQ(view().currentIndex(), model.indexOf("a"));
+}
+
+TEST_F(FleetWindowTest, actsOnAllThatIsSelected) {
+    auto& details = *window.findChild<DetailsPane*>();
+    const auto says = [&](const QString& text) {
+        const auto labels = details.findChildren<QLabel*>();
+        return std::ranges::any_of(labels, [&](const QLabel* label) {
+            return label->isVisible() && label->text() == text;
+        });
+    };
+    window.resize(1200, 600);
+    view().selectAll();
+    EXPECT_EQ(view().selectedSessions(), (std::vector<std::string>{"a", "b", "z"}))
+        << "headings are no part of it";
+    EXPECT_TRUE(says("3 Sitzungen"));
+    press(Qt::Key_F);
+    EXPECT_EQ(settings.get(Settings::favoriteSessionIds), (Settings::Strings{"a", "b", "z"}));
+    press(Qt::Key_F);
+    EXPECT_EQ(settings.get(Settings::favoriteSessionIds), Settings::Strings());
+    press(Qt::Key_M);
+    EXPECT_EQ(defaults.dictionary("sessionNotifyOverrides").size(), 3U);
+
+    select("decision");
+    EXPECT_TRUE(view().selectedSessions().empty());
+    press(Qt::Key_Delete);
+    EXPECT_EQ(settings.get(Settings::dismissedSessionIds), Settings::Strings());
+    view().selectAll();
+    QTest::mouseClick(view().viewport(), Qt::LeftButton, {},
+                      view().visualRect(model.indexOf("working")).center());
+    EXPECT_EQ(view().selectedSessions(), (std::vector<std::string>{"a", "z"}))
+        << "folding takes out of it what is folded away, and no more";
+    press(Qt::Key_Delete);
+    select("z");
+    press(Qt::Key_Delete);
+    EXPECT_EQ(settings.get(Settings::dismissedSessionIds), Settings::Strings{"z"});
+}
+
+TEST_F(FleetWindowTest, offersButtonsUnderThePointer) {
+    const auto place = [&](const char* id, RowAction action) {
+        QStyleOptionViewItem option;
+        option.font = view().font();
+        const auto& delegate = *view().findChild<SessionRowDelegate*>();
+        const RowActions places = delegate.actionsOf(option, view().visualRect(model.indexOf(id)));
+        return (action == RowAction::act ? places.act : places.menu).center();
+    };
+    select("b");
+    QTest::mouseClick(view().viewport(), Qt::LeftButton, {}, place("a", RowAction::act));
+    QTest::mouseClick(view().viewport(), Qt::LeftButton, {}, place("z", RowAction::act));
+    QTest::mouseDClick(view().viewport(), Qt::LeftButton, {}, place("z", RowAction::act));
+    QTest::mouseRelease(view().viewport(), Qt::LeftButton, {}, place("z", RowAction::act));
+    EXPECT_EQ(commands, (std::vector<std::string>{"focus a", "resume z"}));
+    EXPECT_EQ(view().currentIndex(), model.indexOf("b")) << "the selection is left alone";
+    QTest::mousePress(view().viewport(), Qt::LeftButton, {}, place("a", RowAction::act));
+    QTest::mouseRelease(view().viewport(), Qt::LeftButton, {}, place("b", RowAction::act));
+    EXPECT_EQ(commands.size(), 2U) << "let go elsewhere";
+    QTest::mouseClick(view().viewport(), Qt::LeftButton, {}, place("a", RowAction::menu));
+    EXPECT_NE(view().findChild<QMenu*>(), nullptr);
+}
+
+TEST_F(FleetWindowTest, hasDetailsWhereThereIsRoom) {
+    auto& details = *window.findChild<DetailsPane*>();
+    window.resize(1200, 600);
+    EXPECT_TRUE(details.isVisible());
+    QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+    EXPECT_FALSE(details.isVisible());
+    EXPECT_FALSE(settings.get(Settings::showsDetails));
+    window.resize(500, 600);
+    QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+    EXPECT_FALSE(details.isVisible());
+    EXPECT_TRUE(says("zu schmal"));
+    window.resize(1200, 600);
+    EXPECT_TRUE(details.isVisible());
+    const QSignalSpy archive(&window, &FleetWindow::archiveWanted);
+    const QSignalSpy wanted(&window, &FleetWindow::settingsWanted);
+    QTest::keyClick(&window, Qt::Key_H, Qt::ControlModifier);
+    QTest::keyClick(&window, Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_EQ(archive.size() + wanted.size(), 2);
+}
+
+TEST_F(FleetWindowTest, fitsANarrowWindow) {
+    EXPECT_LE(window.minimumSizeHint().width(), 480);
+    QFont large = window.font();
+    large.setPointSizeF(large.pointSizeF() * 2);
+    window.setFont(large);
+    EXPECT_LE(window.minimumSizeHint().width(), 480);
+    monitor.toggleFilter(ListFilter::working);
+    window.resize(480, 600);
+    auto& bar = *window.findChild<FilterBar*>();
+    const auto chips = bar.findChildren<ChipButton*>();
+    EXPECT_TRUE(std::ranges::any_of(chips, [](const ChipButton* chip) {
+        return chip->isVisible() && chip->text() == "Ansicht (1)";
+    })) << "a filter that cannot be seen is told of";
+    for (const QWidget* widget : bar.findChildren<QWidget*>()) {
+        if (widget->isVisible() && widget->parentWidget() == &bar) {
+            EXPECT_TRUE(bar.rect().contains(widget->geometry()));
+        }
+    }
 }
 
 TEST(EmptyFleetWindow, tellsANewUserWhatToDo) {
@@ -179,8 +278,7 @@ TEST(FleetWindowFooter, tellsWhatTheListedSessionsCost) {
 
     // The choices of the view menu reach it.
     QWidget window;
-    QMenu& menu = *makeViewMenu(
-        fleet.monitor, [] {}, &window);
+    QMenu& menu = *makeViewMenu(fleet.monitor, {}, &window);
     const auto choose = [&](const QString& text) {
         emit menu.aboutToShow();
         for (QAction* action : menu.findChildren<QAction*>()) {

@@ -5,6 +5,7 @@
 #include "ui/fleet/fleet_list_model.h"
 #include "ui/fleet/fleet_view.h"
 #include "ui/fleet/goal_dialog.h"
+#include "ui/fleet/session_row_delegate.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -28,6 +28,10 @@ TEST(RowGeometry, keepsThePartsApartAndInside) {
                         EXPECT_FALSE(part.intersects(other));
                     parts.push_back(part);
                 }
+                const RowActions actions = rowActions(row, sizes);
+                EXPECT_TRUE(row.contains(actions.area()));
+                EXPECT_FALSE(actions.act.intersects(actions.menu));
+                EXPECT_FALSE(actions.area().intersects(geometry.glyph));
                 EXPECT_GT(geometry.name.width(), 60) << "what it is called can be read";
                 if (width != 600) {
                     EXPECT_EQ(geometry.cost.isEmpty(), density == Density::compact && width < 600);

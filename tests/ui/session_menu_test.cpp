@@ -84,9 +84,27 @@ TEST_F(SessionMenuTest, silencesSessionsAndProjects) {
     EXPECT_TRUE(choose("a", {"Nicht mehr stumm"}));
     EXPECT_EQ(stored(), (Json{{"p:/srv/a", false}, {"s:a", true}}));
     auto& view = *window.findChild<FleetView*>();
-    view.setCurrentIndex(model.indexOf("a"));
+    view.select("a");
     QTest::keyClick(&view, Qt::Key_M);
     EXPECT_EQ(stored(), (Json{{"p:/srv/a", false}}));
+}
+
+TEST_F(SessionMenuTest, offersWhatCanBeDoneWithSeveral) {
+    const auto copied = [this](const char* action) {
+        showSelectionMenu(monitor, {"a", "z", "x"}, &window, {});
+        QMenu* menu = window.findChildren<QMenu*>(Qt::FindDirectChildrenOnly).back();
+        EXPECT_EQ(menu->actions().at(0)->text(), "3 Sitzungen");
+        actionOf(*menu, action, 0)->trigger();
+        menu->close();
+        return QGuiApplication::clipboard()->text();
+    };
+    EXPECT_EQ(copied("Pfade kopieren"), "/srv/a\n/srv/z\n/srv/x");
+    EXPECT_EQ(copied("Sitzungs-IDs kopieren"), "a\nz\nx");
+    EXPECT_EQ(copied("Befehle zum Fortsetzen kopieren"), "claude --resume a\nclaude --resume z");
+    copied("Anheften");
+    EXPECT_EQ(settings.get(Settings::favoriteSessionIds), (Settings::Strings{"a", "z", "x"}));
+    copied("Nicht mehr anheften");
+    EXPECT_EQ(settings.get(Settings::favoriteSessionIds), Settings::Strings());
 }
 
 TEST_F(SessionMenuTest, aNotificationLeadsToTheRow) {

@@ -7,13 +7,18 @@
 #include "ui/base/chip_button.h"
 #include "ui/billed_session.h"
 #include "ui/charts/day_bars.h"
+#include "ui/charts/rank_bars.h"
 #include "ui/charts/time_chart.h"
 #include "ui/made_up_usage.h"
+#include "ui/usage/session_usage_model.h"
 
+#include <QAbstractItemModelTester>
 #include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QTableView>
 #include <QTest>
+#include <QTextDocument>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -42,7 +47,9 @@ protected:
     }
     ChipButton& chip(const QString& text) {
         const auto chips = window.findChildren<ChipButton*>();
-        const auto found = std::ranges::find(chips, text, &QToolButton::text);
+        const auto found = std::ranges::find_if(chips, [&](const ChipButton* each) {
+            return each->text() == text && (each->isVisible() || !window.isVisible());
+        });
         if (found == chips.end()) throw std::runtime_error("no chip " + text.toStdString());
         return **found;
     }
@@ -73,7 +80,21 @@ protected:
         collect(next.sessions);
     }
 
-    UsageWindow window{monitor};
+    static ArchiveEntry entry(const std::string& id, const std::string& title,
+                              const std::string& cwd) {
+        ArchiveEntry made;
+        made.id = id;
+        made.title = title;
+        made.cwd = cwd;
+        made.isComplete = true;
+        return made;
+    }
+
+    std::vector<ArchiveEntry> past;
+    ArchiveIndex archive{loop,
+                         {.list = [this](Date) { return past; },
+                          .complete = [](std::vector<ArchiveEntry> portion) { return portion; }}};
+    UsageWindow window{monitor, archive};
 };
 
 TEST_F(UsageWindowTest, tellsWhatWillAppearWhereThereIsNothing) {
@@ -81,9 +102,17 @@ TEST_F(UsageWindowTest, tellsWhatWillAppearWhereThereIsNothing) {
     open();
     EXPECT_TRUE(says("plan-usage-history.json"));
     EXPECT_EQ(visibleCount<TimeChart>(), 0);
-    turnTo(Qt::Key_2);
+    for (const Qt::Key page : {Qt::Key_2, Qt::Key_3}) {
+        turnTo(page);
+        EXPECT_TRUE(says("nichts verbraucht"));
+    }
+    turnTo(Qt::Key_4);
+    EXPECT_TRUE(says("werden gelesen"));
+    finishAll();
     EXPECT_TRUE(says("nichts verbraucht"));
-    turnTo(Qt::Key_3);
+    turnTo(Qt::Key_5);
+    EXPECT_TRUE(says("hat keine Sitzung etwas verbraucht"));
+    turnTo(Qt::Key_6);
     EXPECT_TRUE(says("hat keine Sitzung auf dich gewartet"));
     EXPECT_EQ(visibleCount<ChartWidget>(), 0);
 }
@@ -148,19 +177,124 @@ TEST_F(UsageWindowTest, showsTheDaysAsChartOrTable) {
 
     loop.advance(Seconds(600));
     finishAll();
-    turnTo(Qt::Key_3);
+    turnTo(Qt::Key_6);
     EXPECT_TRUE(says("Insgesamt 10 min"));
     EXPECT_EQ(visibleCount<QTableView>(), 2);
+}
+
+TEST_F(UsageWindowTest, ranksProjectsAndModelsOfThePeriod) {
+    writeBilledSession(home, "a", 4.2);
+    writeBilledSession(home, "b", 5);
+    past = {entry("b", "Alt", "/srv/b")};
+    begin({session("a", SessionState::working)});
+    open();
+    turnTo(Qt::Key_4);
+    finishAll();
+    chip("Geld").click();
+    auto& bars = *window.currentPage().findChild<RankBars*>();
+    QTest::keyClick(&bars, Qt::Key_Home);
+    EXPECT_TRUE(bars.accessibleName().endsWith("/srv/a · 1 Sitzung · 1 Mio. Tokens · 5,00 $"))
+        << bars.accessibleName().toStdString();
+    turnTo(Qt::Key_3);
+    EXPECT_TRUE(says("Insgesamt 2 Mio."));
+    loop.advance(Seconds(10 * 86'400));
+    finishAll();
+    chip("7 Tage").click();
+    EXPECT_TRUE(says("nichts verbraucht"));
+    chip("Alles").click();
+    EXPECT_TRUE(says("Insgesamt 2 Mio."));
+}
+
+TEST_F(UsageWindowTest, leadsFromTheTableToSessions) {
+    writeBilledSession(home, "a", 4.2);
+    writeBilledSession(home, "b", 5);
+    writeBilledSession(home, "c", 7);
+    past = {entry("b", "Rename the module", "/srv/b")};
+    begin({session("a", SessionState::working)});
+    open();
+    turnTo(Qt::Key_5);
+    finishAll();
+    auto& table = *window.currentPage().findChild<QTableView*>();
+    const QAbstractItemModelTester tester(table.model());
+    const auto names = [&] {
+        QStringList all;
+        for (int row = 0; row < table.model()->rowCount(); ++row)
+            all << table.model()->index(row, 0).data().toString();
+        return all.join(u',');
+    };
+    EXPECT_TRUE(says("3 Sitzungen · 3 Mio. Tokens · 16,20 $"));
+    table.sortByColumn(static_cast<int>(SessionColumn::cost), Qt::DescendingOrder);
+    EXPECT_EQ(names(), "c,Rename the module,a");
+    QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
+    auto& search = *window.currentPage().findChild<QLineEdit*>();
+    QTest::keyClicks(&search, "module SRV");
+    EXPECT_EQ(names(), "Rename the module");
+    QTest::keyClick(&search, Qt::Key_Down);
+    QTest::keyClick(&table, Qt::Key_Return);
+    EXPECT_EQ(commands, (std::vector<std::string>{"resume b"}));
+    writeBilledSession(home, "aa", 1);
+    loop.advance(Seconds(60));
+    collect({session("a", SessionState::working)});
+    EXPECT_EQ(names(), "Rename the module");
+    EXPECT_EQ(table.currentIndex().row(), 0) << "the selection stays";
+    QTest::keyClick(&search, Qt::Key_Escape);
+    EXPECT_EQ(names(), "c,Rename the module,a,aa");
+    table.setCurrentIndex(table.model()->index(2, 0));
+    commandOutcome = tl::unexpected(std::string("Das Fenster ist zu."));
+    QTest::keyClick(&table, Qt::Key_Return);
+    EXPECT_EQ(commands.back(), "focus a");
+    EXPECT_TRUE(says("Das Fenster ist zu."));
+}
+
+TEST(SessionUsageModel, showsMarkupInTooltipsAsItIs) {
+    for (const char* name : {"<b>x</b>", "a <img src='/etc/hosts'> b", "&lt;i", "a < b"}) {
+        SessionUsageModel model;
+        model.setSessions({{.id = "a", .name = name}});
+        const QString tooltip = model.index(0, 0).data(Qt::ToolTipRole).toString();
+        QTextDocument document;
+        // As QToolTip decides.
+        if (Qt::mightBeRichText(tooltip)) {
+            document.setHtml(tooltip);
+        } else {
+            document.setPlainText(tooltip);
+        }
+        EXPECT_EQ(document.toPlainText().section(u'\n', 0, 0), name);
+    }
+}
+
+TEST_F(UsageWindowTest, followsThePinOfTheSettings) {
+    begin({});
+    for (const bool isPinned : {true, false}) {
+        monitor.change(Settings::usagePinned, isPinned);
+        EXPECT_EQ(window.windowFlags().testFlag(Qt::WindowStaysOnTopHint), isPinned);
+    }
+}
+
+TEST_F(UsageWindowTest, holdsWhereTextsAreLarge) {
+    begin({});
+    open();
+    QFont large = window.font();
+    large.setPointSizeF(2 * large.pointSizeF());
+    window.setFont(large);
+    window.resize(500, 600);
+    QApplication::processEvents();
+    EXPECT_LE(window.width(), 700);
+    const auto inWindow = [&](const QWidget& chip) {
+        return window.rect().contains(QRect(chip.mapTo(&window, QPoint()), chip.size()));
+    };
+    for (const char* page : {"Kontingent", "Sitzungen", "Preise", "Tabelle"})
+        EXPECT_TRUE(inWindow(chip(page))) << page;
 }
 
 TEST_F(UsageWindowTest, leavesOutWhatTheSettingsDoNotWant) {
     begin({});
     open();
     monitor.change(Settings::usageShowsQuota, false);
-    EXPECT_FALSE(chip("Kontingent").isVisible());
+    EXPECT_THROW(chip("Kontingent"), std::runtime_error);
     EXPECT_EQ(window.currentPage().subject(), UsagePage::Subject::spending);
     monitor.change(Settings::costDisplay, "off");
-    EXPECT_FALSE(chip("Geld").isVisible());
+    EXPECT_THROW(chip("Geld"), std::runtime_error);
+    EXPECT_THROW(chip("Preise"), std::runtime_error);
     QTest::keyClick(&window, Qt::Key_Escape);
     EXPECT_FALSE(window.isVisible());
 }

@@ -5,7 +5,7 @@
 namespace fleetwise {
 
 /// A button that is on or off, and shows plainly which.
-class ChipButton final : public QToolButton {
+class ChipButton : public QToolButton {
     Q_OBJECT
 
 public:

@@ -2,7 +2,6 @@
 
 #include "cost/cost_figures.h"
 #include "monitor/settings.h"
-#include "ui/fleet/session_row_delegate.h"
 
 #include <string_view>
 
@@ -20,11 +19,6 @@ struct CostDisplay {
     MoneyBasis basis = MoneyBasis::billed;
 
     bool operator==(const CostDisplay&) const = default;
-
-    SessionRowDelegate::Amounts amounts() const {
-        return extent == Extent::sessions ? SessionRowDelegate::Amounts::shown
-                                          : SessionRowDelegate::Amounts::hidden;
-    }
 };
 
 /// As the user has chosen; a name that is not known counts as not set.

@@ -30,6 +30,7 @@ void offerExport(const FigureTable& table, QWidget* parent) {
             if (failure.isEmpty()) return;
             auto* box = new QMessageBox(QMessageBox::Warning, shown("Als CSV speichern"_text),
                                         failure, QMessageBox::Ok, parent);
+            box->setTextFormat(Qt::PlainText);
             box->setAttribute(Qt::WA_DeleteOnClose);
             box->open();
         });

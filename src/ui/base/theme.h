@@ -40,6 +40,9 @@ struct Metrics {
     static constexpr int glyphSide = 14;
 };
 
+/// The share from which on a bar warns.
+inline constexpr double warningShare = 0.8;
+
 /// Light or dark, by which of window and text is the lighter one.
 Appearance appearanceOf(const QPalette& palette);
 

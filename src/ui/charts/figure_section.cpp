@@ -3,6 +3,7 @@
 #include "ui/base/chip_button.h"
 #include "ui/base/elided_label.h"
 #include "ui/base/figure_table_model.h"
+#include "ui/base/flow_layout.h"
 #include "ui/base/interface_text.h"
 #include "ui/base/table_export.h"
 #include "ui/base/theme.h"
@@ -54,7 +55,7 @@ QString brokenBetweenParts(QString text) {
 FigureSection::FigureSection(const QString& heading, ChartWidget* givenChart, QWidget* parent)
     : QWidget(parent),
       chart(givenChart),
-      header(new QHBoxLayout),
+      controls(new FlowLayout(Qt::AlignRight)),
       headingLabel(new QLabel(heading)),
       summary(new QLabel),
       hintLabel(new QLabel),
@@ -89,10 +90,11 @@ void FigureSection::layOut(const QString& heading) {
     hintLabel->setForegroundRole(QPalette::PlaceholderText);
     readout->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     readout->setForegroundRole(QPalette::PlaceholderText);
+    auto* header = new QHBoxLayout;
     header->setSpacing(Metrics::gap);
-    header->addWidget(headingLabel);
-    header->addStretch(1);
-    header->addWidget(exportButton);
+    header->addWidget(headingLabel, 0, Qt::AlignTop);
+    header->addLayout(controls, 1);
+    controls->addWidget(exportButton);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(Metrics::grid);
@@ -104,7 +106,7 @@ void FigureSection::layOut(const QString& heading) {
 }
 
 void FigureSection::addControl(QWidget* control) {
-    header->insertWidget(header->count() - 1, control);
+    controls->insertWidget(controls->count() - 1, control);
     setTabOrder(control, exportButton);
     setTabOrder(exportButton, chart);
     setTabOrder(chart, view);

@@ -8,7 +8,6 @@
 #include <functional>
 #include <vector>
 
-class QBoxLayout;
 class QLabel;
 class QTableView;
 class QToolButton;
@@ -18,6 +17,7 @@ namespace fleetwise {
 class ChartWidget;
 class ElidedLabel;
 class FigureTableModel;
+class FlowLayout;
 
 /// A subject of the usage window: heading, a summary in words, its chart with what the marker
 /// stands at above it and a legend below, the same as a table, and the table as a file.
@@ -31,7 +31,7 @@ public:
     /// Takes the chart.
     FigureSection(const QString& heading, ChartWidget* chart, QWidget* parent = nullptr);
 
-    /// Puts a control beside the heading. Takes it.
+    /// Puts a control beside the heading, behind those that are there. Takes it.
     void addControl(QWidget* control);
 
     /// Parts with " · " between them, each kept on one line; empty: none.
@@ -59,7 +59,7 @@ private:
     void scroll();
 
     ChartWidget* chart;
-    QBoxLayout* header;
+    FlowLayout* controls;
     QLabel* headingLabel;
     QLabel* summary;
     QLabel* hintLabel;

@@ -1,5 +1,7 @@
 #include "ui/charts/rank_bars.h"
 
+#include "ui/base/bar_painting.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -60,18 +62,13 @@ void RankBars::paintChart(QPainter& painter, const Palette& colours) {
         painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter,
                          metrics.elidedText(row.name, Qt::ElideMiddle, nameWidth));
         painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, row.figure);
-        QRectF bar(line.left(), line.bottom() + Metrics::grid, width, barHeight);
-        constexpr double radius = barHeight / 2.0;
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(colours.hairline);
-        painter.drawRoundedRect(bar, radius, radius);
+        const QRectF bar(line.left(), line.bottom() + Metrics::grid, width, barHeight);
+        fillBar(painter, bar, 1, colours.hairline);
         if (!(row.value > 0)) continue;
-        bar.setWidth(std::max<double>(barHeight, bar.width() * row.value / most));
         QColor colour = colours.accent;
         // What is not marked stands back, but only on the ground of the bar's own colour.
         if (marked() && marked() != item) colour.setAlphaF(quietOpacity);
-        painter.setBrush(colour);
-        painter.drawRoundedRect(bar, radius, radius);
+        fillBar(painter, bar, row.value / most, colour);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "ui/charts/share_bar.h"
 
+#include "ui/base/bar_painting.h"
 #include "ui/base/theme.h"
 
 #include <QPainter>
@@ -11,7 +12,6 @@ namespace fleetwise {
 namespace {
 
 constexpr int shareBarHeight = 6;
-constexpr double nearlyUsedUp = 0.8;
 
 }  // namespace
 
@@ -33,16 +33,10 @@ void ShareBar::paintEvent(QPaintEvent*) {
     const Palette colours = paletteOf(palette());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    constexpr double radius = shareBarHeight / 2.0;
-    QRectF bar(0, 0, width(), shareBarHeight);
-    painter.setBrush(colours.hairline);
-    painter.drawRoundedRect(bar, radius, radius);
-    if (!(share > 0)) return;
-    const QColor usual = share >= nearlyUsedUp ? colours.warning : colours.accent;
-    bar.setWidth(std::max<double>(shareBarHeight, bar.width() * share));
-    painter.setBrush(isFaint ? colours.secondary : usual);
-    painter.drawRoundedRect(bar, radius, radius);
+    const QRectF bar(0, 0, width(), shareBarHeight);
+    const QColor usual = share >= warningShare ? colours.warning : colours.accent;
+    fillBar(painter, bar, 1, colours.hairline);
+    fillBar(painter, bar, share, isFaint ? colours.secondary : usual);
 }
 
 }  // namespace fleetwise

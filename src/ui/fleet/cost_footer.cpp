@@ -52,7 +52,7 @@ void CostFooter::showTotal(MoneyBasis basis) {
                       qtText(priceBookText(monitor.priceBook()))};
     if (verdict) lines << qtText(verdictText(*verdict, monitor.priceBook()));
     lines.removeAll(QString());
-    setToolTip(lines.join(u'\n'));
+    setToolTip(plainToolTip(lines.join(u'\n')));
 }
 
 CostFigures CostFooter::listedFigures() const {

@@ -49,7 +49,7 @@ QVariant FleetListModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
             return shown.name;
         case Qt::ToolTipRole:
-            return tooltipOf(shown);
+            return plainToolTip(tooltipOf(index));
         case Qt::AccessibleTextRole:
             return shown.spoken;
         case rowRole:
@@ -65,7 +65,8 @@ QVariant FleetListModel::data(const QModelIndex& index, int role) const {
 
 Qt::ItemFlags FleetListModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+    const Qt::ItemFlags usual = Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
+    return row(index).kind == SessionRow::Kind::heading ? usual : usual | Qt::ItemIsSelectable;
 }
 
 const SessionRow& FleetListModel::row(const QModelIndex& index) const {
@@ -77,6 +78,21 @@ QModelIndex FleetListModel::indexOf(const QString& key) const {
                                     [&](const SessionRow& row) { return row.key == key; });
     return found == rows.end() ? QModelIndex()
                                : index(static_cast<int>(std::distance(rows.begin(), found)));
+}
+
+std::vector<std::string> FleetListModel::sessionsOf(const QModelIndex& index) const {
+    const SessionRow& meant = row(index);
+    if (meant.kind == SessionRow::Kind::session) return {meant.key.toStdString()};
+    const auto all = groups();
+    const auto group = std::ranges::find(all, meant.key.toStdString(), &SessionGroup::key);
+    return group == all.end() ? std::vector<std::string>() : idsOf(*group);
+}
+
+std::vector<std::string> FleetListModel::idsOf(const SessionGroup& group) const {
+    std::vector<std::string> ids;
+    for (const std::size_t member : group.members)
+        ids.push_back(monitor.sessions()[member].id);
+    return ids;
 }
 
 void FleetListModel::toggleFolded(const QModelIndex& heading) {
@@ -119,30 +135,17 @@ SessionRow FleetListModel::rowOf(const Session& session) const {
 SessionRow FleetListModel::headingOf(const SessionGroup& group) const {
     std::string cost;
     if (costs.extent != CostDisplay::Extent::nothing) {
-        cost = costText(figuresOf(group).money(costs.basis));
+        cost = costText(monitor.figures(idsOf(group)).money(costs.basis));
     }
     return headingRow(group, isFolded(group), cost);
 }
 
-QString FleetListModel::tooltipOf(const SessionRow& row) const {
-    if (row.cost.isEmpty()) return row.tooltip;
-    const QString explanation = qtText(costExplanation(figuresOf(row), costs.basis));
-    return row.tooltip.isEmpty() ? explanation : row.tooltip + u'\n' + explanation;
-}
-
-CostFigures FleetListModel::figuresOf(const SessionRow& row) const {
-    const std::string key = row.key.toStdString();
-    if (row.kind == SessionRow::Kind::session) return monitor.figures({key});
-    const auto all = groups();
-    const auto group = std::ranges::find(all, key, &SessionGroup::key);
-    return group == all.end() ? CostFigures() : figuresOf(*group);
-}
-
-CostFigures FleetListModel::figuresOf(const SessionGroup& group) const {
-    std::vector<std::string> ids;
-    for (const std::size_t member : group.members)
-        ids.push_back(monitor.sessions()[member].id);
-    return monitor.figures(ids);
+QString FleetListModel::tooltipOf(const QModelIndex& index) const {
+    const SessionRow& shown = row(index);
+    if (shown.cost.isEmpty()) return shown.tooltip;
+    const QString explanation =
+        qtText(costExplanation(monitor.figures(sessionsOf(index)), costs.basis));
+    return shown.tooltip.isEmpty() ? explanation : shown.tooltip + u'\n' + explanation;
 }
 
 void FleetListModel::settingsChanged() {

@@ -39,6 +39,9 @@ public:
 
     const SessionRow& row(const QModelIndex& index) const;
 
+    /// The ids of a heading's sessions, folded or not; the id of a session's row.
+    std::vector<std::string> sessionsOf(const QModelIndex& index) const;
+
     /// Folds or unfolds a heading.
     void toggleFolded(const QModelIndex& heading);
     void setFolded(const QModelIndex& heading, bool isFolded);
@@ -59,9 +62,8 @@ private:
     SessionRow rowOf(const Session& session) const;
     SessionRow headingOf(const SessionGroup& group) const;
     /// With what the row's sessions cost, which is worked out only where the pointer rests.
-    QString tooltipOf(const SessionRow& row) const;
-    CostFigures figuresOf(const SessionRow& row) const;
-    CostFigures figuresOf(const SessionGroup& group) const;
+    QString tooltipOf(const QModelIndex& index) const;
+    std::vector<std::string> idsOf(const SessionGroup& group) const;
     std::vector<SessionRow> rowsNow() const;
     bool isFolded(const SessionGroup& group) const;
     void removeGone(const std::vector<SessionRow>& wanted);

@@ -7,11 +7,16 @@
 #include "ui/fleet/session_row_delegate.h"
 
 #include <QContextMenuEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPaintEvent>
 #include <QStyle>
 #include <QTimerEvent>
+#include <QToolTip>
 #include <QWindow>
+
+#include <algorithm>
+#include <utility>
 
 namespace fleetwise {
 
@@ -35,11 +40,18 @@ FleetView::FleetView(FleetMonitor& givenMonitor, FleetListModel& givenModel, QWi
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setResizeMode(Adjust);
+    setSelectionMode(ExtendedSelection);
     setAccessibleName(shown("Sitzungen"_text));
+    delegate->setActions(SessionRowDelegate::Actions::shown);
     connect(this, &QAbstractItemView::doubleClicked, this, &FleetView::activateRow);
-    for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
+    for (const auto signal :
+         {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
         connect(&list, signal, this, &FleetView::followActivity);
+        connect(&list, signal, this, &FleetView::tellChosen);
+    }
     connect(&list, &QAbstractItemModel::dataChanged, this, &FleetView::followActivity);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &FleetView::tellChosen);
+    connect(selectionModel(), &QItemSelectionModel::currentChanged, this, &FleetView::tellChosen);
 }
 
 void FleetView::setLook(Density density, GroupMode grouping, const CostDisplay& costs) {
@@ -47,7 +59,7 @@ void FleetView::setLook(Density density, GroupMode grouping, const CostDisplay& 
     delegate->setStateLabels(grouping == GroupMode::status
                                  ? SessionRowDelegate::StateLabels::hidden
                                  : SessionRowDelegate::StateLabels::shown);
-    delegate->setAmounts(costs.amounts());
+    delegate->setCosts(costs);
     scheduleDelayedItemsLayout();
 }
 
@@ -61,7 +73,7 @@ void FleetView::selectSomething() {
     }
     for (int row = 0; row < list.rowCount(); ++row) {
         if (!isSession(list.index(row))) continue;
-        setCurrentIndex(list.index(row));
+        selectOnly(list.index(row));
         return;
     }
 }
@@ -70,9 +82,14 @@ bool FleetView::select(const std::string& sessionId) {
     list.unfoldGroupOf(sessionId);
     const QModelIndex index = list.indexOf(QString::fromStdString(sessionId));
     if (!index.isValid()) return false;
-    setCurrentIndex(index);
+    selectOnly(index);
     scrollTo(index);
     return true;
+}
+
+/// Whatever keys are held down meanwhile.
+void FleetView::selectOnly(const QModelIndex& index) {
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
 }
 
 void FleetView::activateRow(const QModelIndex& index) {
@@ -96,19 +113,31 @@ bool FleetView::actByKey(int key, const QModelIndex& index) {
         return false;
     // On a heading they do nothing, and are not the beginning of a name to go to.
     if (list.row(index).kind == SessionRow::Kind::heading) return true;
-    const std::string id = list.row(index).key.toStdString();
-    if (key == Qt::Key_F) {
-        monitor.toggleFavorite(id);
-    } else if (key == Qt::Key_G) {
-        openGoalDialog(monitor, id, window());
+    const auto ids = selectedSessions();
+    if (key == Qt::Key_G) {
+        openGoalDialog(monitor, list.row(index).key.toStdString(), window());
         return true;
-    } else if (key == Qt::Key_M) {
-        monitor.toggleNotifying(id);
-    } else {
-        monitor.dismiss(id);
     }
+    if (key == Qt::Key_F) monitor.toggleFavorites(ids);
+    if (key == Qt::Key_M) monitor.toggleNotifyingOf(ids);
+    if (key == Qt::Key_Delete) monitor.dismissAll(ids);
     scrollTo(currentIndex());
     return true;
+}
+
+std::vector<std::string> FleetView::selectedSessions() const {
+    auto rows = selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    std::vector<std::string> ids;
+    for (const QModelIndex& index : rows)
+        ids.push_back(list.row(index).key.toStdString());
+    return ids;
+}
+
+void FleetView::tellChosen() {
+    auto ids = selectedSessions();
+    if (ids.empty() && currentIndex().isValid()) ids = list.sessionsOf(currentIndex());
+    emit sessionsChosen(ids);
 }
 
 void FleetView::keyPressEvent(QKeyEvent* event) {
@@ -125,19 +154,98 @@ void FleetView::keyPressEvent(QKeyEvent* event) {
 }
 
 void FleetView::mousePressEvent(QMouseEvent* event) {
-    QListView::mousePressEvent(event);
+    const bool isLeft = event->button() == Qt::LeftButton;
+    pressed = isLeft ? buttonAt(event->position().toPoint()) : std::nullopt;
+    if (pressed) return;
     const QModelIndex index = indexAt(event->position().toPoint());
     const bool isHeading = index.isValid() && list.row(index).kind == SessionRow::Kind::heading;
-    if (isHeading && event->button() == Qt::LeftButton) list.toggleFolded(index);
+    if (!isHeading) {
+        QListView::mousePressEvent(event);
+    } else if (isLeft) {
+        // What is selected stays so.
+        selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+        list.toggleFolded(index);
+    }
+}
+
+void FleetView::mouseReleaseEvent(QMouseEvent* event) {
+    const auto begun = std::exchange(pressed, std::nullopt);
+    if (!begun) return QListView::mouseReleaseEvent(event);
+    if (begun == buttonAt(event->position().toPoint())) press(*begun);
+}
+
+void FleetView::mouseDoubleClickEvent(QMouseEvent* event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    const bool isHeading = index.isValid() && list.row(index).kind == SessionRow::Kind::heading;
+    // Two quick clicks on a heading are just that; on a button the first one was enough.
+    if (isHeading) return mousePressEvent(event);
+    if (buttonAt(event->position().toPoint())) return;
+    QListView::mouseDoubleClickEvent(event);
+}
+
+void FleetView::mouseMoveEvent(QMouseEvent* event) {
+    setPointed(buttonAt(event->position().toPoint()));
+    if (!pressed) QListView::mouseMoveEvent(event);
+}
+
+bool FleetView::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::Leave) setPointed({});
+    if (event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        if (const auto button = buttonAt(help->pos())) {
+            QToolTip::showText(help->globalPos(), nameOf(*button), viewport());
+            return true;
+        }
+    }
+    return QListView::viewportEvent(event);
+}
+
+std::optional<FleetView::Button> FleetView::buttonAt(const QPoint& position) const {
+    const QModelIndex index = indexAt(position);
+    if (!index.isValid() || list.row(index).kind == SessionRow::Kind::heading) return {};
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const RowActions places = delegate->actionsOf(option, visualRect(index));
+    if (places.act.contains(position)) return Button{index, RowAction::act};
+    if (places.menu.contains(position)) return Button{index, RowAction::menu};
+    return {};
+}
+
+void FleetView::setPointed(std::optional<Button> button) {
+    if (pointed == button) return;
+    for (const auto& each : {pointed, button}) {
+        if (each) viewport()->update(visualRect(each->row));
+    }
+    pointed = std::move(button);
+    delegate->setPointedAction(pointed ? std::optional(pointed->action) : std::nullopt);
+}
+
+void FleetView::press(const Button& button) {
+    if (button.action == RowAction::act) return activateRow(button.row);
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const QRect place = delegate->actionsOf(option, visualRect(button.row)).menu;
+    openMenu(button.row, viewport()->mapToGlobal(place.bottomLeft()));
+}
+
+QString FleetView::nameOf(const Button& button) const {
+    if (button.action == RowAction::menu) return shown("Menü"_text);
+    return list.row(button.row).isLive ? shown("Fenster nach vorn"_text) : shown("Fortsetzen"_text);
+}
+
+/// Of all that are selected where the session is one of them.
+void FleetView::openMenu(const QModelIndex& index, const QPoint& globalPosition) {
+    const bool isSelected = selectionModel()->isSelected(index);
+    showSelectionMenu(monitor, isSelected ? selectedSessions() : list.sessionsOf(index), this,
+                      globalPosition);
 }
 
 void FleetView::contextMenuEvent(QContextMenuEvent* event) {
     const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
     const QModelIndex index = isByKey ? currentIndex() : indexAt(event->pos());
     if (!index.isValid() || list.row(index).kind == SessionRow::Kind::heading) return;
-    showSessionMenu(
-        monitor, list.row(index).key.toStdString(), this,
-        isByKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+    openMenu(index,
+             isByKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
 }
 
 void FleetView::showEvent(QShowEvent* event) {

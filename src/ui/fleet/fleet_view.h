@@ -6,11 +6,17 @@
 
 #include <QBasicTimer>
 #include <QListView>
+#include <QPersistentModelIndex>
+
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace fleetwise {
 
 class FleetListModel;
 class FleetMonitor;
+class SessionRowDelegate;
 
 /// The list of sessions: what the keyboard and the mouse do in it, and the signs of life of those
 /// that work.
@@ -30,7 +36,19 @@ public:
     /// Selects the session's row and scrolls to it, unfolding its group; whether it is listed.
     bool select(const std::string& sessionId);
 
+    /// The selected sessions in the list's order. Headings are never selected.
+    std::vector<std::string> selectedSessions() const;
+
+signals:
+    /// The sessions that the user looks at: the selected ones, else those of the heading that the
+    /// keyboard is on. Also sent where they are still the same.
+    void sessionsChosen(const std::vector<std::string>& ids);
+
 protected:
+    bool viewportEvent(QEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -41,10 +59,27 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void selectOnly(const QModelIndex& index);
     void activateRow(const QModelIndex& index);
     bool foldByKey(int key, const QModelIndex& index);
     bool actByKey(int key, const QModelIndex& index);
-    void showMenu(const QModelIndex& index, const QPoint& position);
+    void tellChosen();
+
+    /// A button of a row.
+    struct Button {
+        QPersistentModelIndex row;
+        RowAction action = RowAction::act;
+
+        bool operator==(const Button& other) const {
+            return row == other.row && action == other.action;
+        }
+    };
+    std::optional<Button> buttonAt(const QPoint& position) const;
+    void setPointed(std::optional<Button> button);
+    void press(const Button& button);
+    QString nameOf(const Button& button) const;
+    void openMenu(const QModelIndex& index, const QPoint& globalPosition);
+
     bool maySeeMotion() const;
     void followActivity();
     void turnRings();
@@ -52,6 +87,8 @@ private:
     FleetMonitor& monitor;
     FleetListModel& list;
     SessionRowDelegate* delegate;
+    std::optional<Button> pointed;  ///< by the mouse
+    std::optional<Button> pressed;
     QBasicTimer turning;
     int step = 0;
 };

@@ -4,11 +4,16 @@
 #include "ui/base/elided_label.h"
 #include "ui/base/interface_text.h"
 #include "ui/base/theme.h"
+#include "ui/details/details_pane.h"
 #include "ui/fleet/cost_footer.h"
 #include "ui/fleet/filter_bar.h"
 #include "ui/fleet/fleet_list_model.h"
 #include "ui/fleet/fleet_view.h"
+#include "ui/fleet/goal_dialog.h"
 #include "ui/fleet/hook_banner.h"
+#include "ui/fleet/list_division.h"
+#include "ui/fleet/session_menu.h"
+#include "ui/fleet/window_keys.h"
 #include "ui/quota/quota_strip.h"
 
 #include <QApplication>
@@ -18,6 +23,7 @@
 #include <QScreen>
 #include <QShortcut>
 
+#include <algorithm>
 #include <chrono>
 #include <numeric>
 #include <utility>
@@ -30,6 +36,10 @@ constexpr QSize initialSize(1000, 680);
 constexpr double largestShare = 0.9;  ///< of the screen, for the initial size
 constexpr std::chrono::seconds tellingTime(10);
 
+// Of a window that has room for the details beside the list.
+constexpr int leastDividedWidth = 760;
+constexpr int leastWindowCharacters = 100;
+
 }  // namespace
 
 FleetWindow::FleetWindow(FleetMonitor& givenMonitor, FleetListModel& givenModel)
@@ -38,6 +48,9 @@ FleetWindow::FleetWindow(FleetMonitor& givenMonitor, FleetListModel& givenModel)
       filterBar(new FilterBar(monitor)),
       view(new FleetView(monitor, model)),
       empty(new QLabel),
+      lists(new QWidget),
+      details(new DetailsPane(monitor)),
+      division(new ListDivision(lists, details)),
       footer(new ElidedLabel) {
     setWindowTitle(QString::fromUtf8(Brand::bundleName.data(), Brand::bundleName.size()));
     setObjectName(QStringLiteral("fleet"));
@@ -61,28 +74,73 @@ void FleetWindow::layOut() {
     empty->setAlignment(Qt::AlignCenter);
     empty->setWordWrap(true);
     empty->setMargin(2 * Metrics::groupGap);
-    auto* costs = new CostFooter(monitor);
-    for (QLabel* label : {footer, static_cast<QLabel*>(costs)})
-        label->setForegroundRole(QPalette::PlaceholderText);
     auto* quota = new QuotaStrip(monitor);
     connect(quota, &QuotaStrip::clicked, this, &FleetWindow::usageWanted);
     connect(filterBar, &FilterBar::usageWanted, this, &FleetWindow::usageWanted);
-    auto* foot = new QHBoxLayout;
-    foot->setContentsMargins(Metrics::margin, Metrics::grid, Metrics::margin, Metrics::grid);
-    foot->setSpacing(Metrics::groupGap);
-    foot->addWidget(footer);
-    foot->addWidget(costs, 1);
+    connect(filterBar, &FilterBar::archiveWanted, this, &FleetWindow::archiveWanted);
+    connect(filterBar, &FilterBar::settingsWanted, this, &FleetWindow::settingsWanted);
+    connect(filterBar, &FilterBar::detailsToggled, this, &FleetWindow::toggleDetails);
+    layOutLists();
+    connectDetails();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(filterBar);
     layout->addWidget(quota);
     layout->addWidget(new HookBanner(monitor));
-    layout->addWidget(view, 1);
-    layout->addWidget(empty, 1);
-    layout->addLayout(foot);
+    layout->addWidget(division, 1);
+    layout->addLayout(makeFoot());
     setTabOrder(filterBar, quota);
     setTabOrder(quota, view);
+    setTabOrder(view, details);
+}
+
+void FleetWindow::layOutLists() {
+    auto* column = new QVBoxLayout(lists);
+    column->setContentsMargins(0, 0, 0, 0);
+    for (QWidget* widget : {static_cast<QWidget*>(view), static_cast<QWidget*>(empty)})
+        column->addWidget(widget);
+    division->setPaneWidth(static_cast<int>(monitor.settings().get(Settings::detailsWidth)));
+}
+
+QLayout* FleetWindow::makeFoot() {
+    auto* costs = new CostFooter(monitor);
+    for (QLabel* label : {footer, static_cast<QLabel*>(costs)})
+        label->setForegroundRole(QPalette::PlaceholderText);
+    auto* foot = new QHBoxLayout;
+    foot->setContentsMargins(Metrics::margin, Metrics::grid, Metrics::margin, Metrics::grid);
+    foot->setSpacing(Metrics::groupGap);
+    foot->addWidget(footer);
+    foot->addWidget(costs, 1);
+    return foot;
+}
+
+void FleetWindow::connectDetails() {
+    connect(view, &FleetView::sessionsChosen, details, &DetailsPane::setSessions);
+    connect(details, &DetailsPane::menuWanted, this,
+            [this](const std::string& id, const QPoint& position) {
+                showSessionMenu(monitor, id, this, position);
+            });
+    connect(details, &DetailsPane::goalWanted, this,
+            [this](const std::string& id) { openGoalDialog(monitor, id, this); });
+}
+
+bool FleetWindow::hasRoomForDetails() const {
+    return width() >=
+           std::max(leastDividedWidth, fontMetrics().averageCharWidth() * leastWindowCharacters);
+}
+
+void FleetWindow::showDetails() {
+    division->setPaneVisible(monitor.settings().get(Settings::showsDetails) &&
+                             hasRoomForDetails() && !view->isHidden());
+}
+
+void FleetWindow::toggleDetails() {
+    const bool isWanted = monitor.settings().get(Settings::showsDetails);
+    monitor.change(Settings::showsDetails, !isWanted);
+    if (!isWanted && !hasRoomForDetails()) {
+        tell(shown("Für die Details ist das Fenster zu schmal. Zieh es breiter."_text));
+    }
 }
 
 void FleetWindow::addShortcuts() {
@@ -91,7 +149,10 @@ void FleetWindow::addShortcuts() {
     };
     add(QKeySequence::Find, [this] { filterBar->focusSearch(); });
     add(QKeySequence::Refresh, [this] { monitor.refresh(); });
-    add(QKeySequence(Qt::CTRL | Qt::Key_U), [this] { emit usageWanted(); });
+    add(usageKey, [this] { emit usageWanted(); });
+    add(archiveKey, [this] { emit archiveWanted(); });
+    add(settingsKey, [this] { emit settingsWanted(); });
+    add(detailsKey, [this] { toggleDetails(); });
     add(QKeySequence::Close, [this] { close(); });
     add(QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QApplication::exit(); });
     connect(filterBar, &FilterBar::leftSearch, this, [this] {
@@ -108,6 +169,12 @@ void FleetWindow::restoreGeometryOnce() {
 
 void FleetWindow::storeGeometry() {
     monitor.store(Settings::windowGeometry, saveGeometry().toBase64().toStdString());
+    monitor.store(Settings::detailsWidth, division->paneWidth());
+}
+
+void FleetWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    showDetails();
 }
 
 void FleetWindow::hideEvent(QHideEvent* event) {
@@ -145,6 +212,7 @@ void FleetWindow::sessionRequested(const std::string& id) {
 void FleetWindow::settingsChanged() {
     view->setLook(densityFrom(monitor.settings().get(Settings::density)),
                   monitor.settings().listRules().groupMode, costDisplay(monitor.settings()));
+    showDetails();
 }
 
 void FleetWindow::fleetChanged() {
@@ -156,6 +224,7 @@ void FleetWindow::fleetChanged() {
     if (std::exchange(shownSearch, monitor.search()) != monitor.search()) view->scrollToTop();
     empty->setVisible(isEmpty);
     if (isEmpty) empty->setText(emptyText());
+    showDetails();
     if (!tellingEnds.isActive()) showSummary();
 }
 

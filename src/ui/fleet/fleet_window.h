@@ -6,14 +6,18 @@
 #include <QWidget>
 
 class QLabel;
+class QLayout;
 
 namespace fleetwise {
 
+class DetailsPane;
 class FilterBar;
 class FleetListModel;
 class FleetView;
+class ListDivision;
 
-/// The main window: the whole fleet, grouped, filtered and searched.
+/// The main window: the whole fleet, grouped, filtered and searched, and the details of what is
+/// selected.
 class FleetWindow final : public QWidget, private FleetMonitor::Observer {
     Q_OBJECT
 
@@ -34,12 +38,15 @@ public:
     void tell(const QString& message);
 
 signals:
-    /// The usage window is to be shown.
+    // The window of that name is to be shown.
     void usageWanted();
+    void archiveWanted();
+    void settingsWanted();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void fleetChanged() override;
@@ -49,7 +56,14 @@ private:
     void sessionRequested(const std::string& id) override;
 
     void layOut();
+    void layOutLists();
+    QLayout* makeFoot();
+    void connectDetails();
     void addShortcuts();
+    void toggleDetails();
+    /// Details stand beside the list only where both have room.
+    bool hasRoomForDetails() const;
+    void showDetails();
     void restoreGeometryOnce();
     void storeGeometry();
     void showSummary();
@@ -60,6 +74,9 @@ private:
     FilterBar* filterBar;
     FleetView* view;
     QLabel* empty;
+    QWidget* lists;
+    DetailsPane* details;
+    ListDivision* division;
     QLabel* footer;
     QTimer tellingEnds;
     std::string shownSearch;

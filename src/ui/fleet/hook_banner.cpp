@@ -1,5 +1,6 @@
 #include "ui/fleet/hook_banner.h"
 
+#include "ui/base/hook_text.h"
 #include "ui/base/interface_text.h"
 #include "ui/base/theme.h"
 
@@ -18,12 +19,6 @@ QString offer(const std::string& problem) {
     return shown("Der Hook wurde nicht eingerichtet: %@"_text, problem) + u'\n' + what;
 }
 
-QString explanation(const HookInstaller::Places& places) {
-    return shown(
-        "Geschrieben wird: das Hook-Programm nach %@ und je ein Eintrag für %d Ereignisse in %@. Die alte Datei wird vorher nach %@ gesichert. »fleetwise --uninstall-hooks« nimmt alles wieder heraus."_text,
-        places.installedHook, HookInstaller::events.size(), places.settingsFile, places.stateDir);
-}
-
 }  // namespace
 
 HookBanner::HookBanner(FleetMonitor& givenMonitor, QWidget* parent)
@@ -32,6 +27,7 @@ HookBanner::HookBanner(FleetMonitor& givenMonitor, QWidget* parent)
       text(new QLabel),
       proceedButton(new QPushButton),
       cancelButton(new QPushButton(shown("Abbrechen"_text))) {
+    text->setTextFormat(Qt::PlainText);
     text->setWordWrap(true);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* layout = new QHBoxLayout(this);
@@ -54,16 +50,20 @@ HookBanner::~HookBanner() {
 }
 
 void HookBanner::hookChanged() {
-    setStage(Stage::offer);
+    if (monitor.isHookChanging()) {
+        proceedButton->setEnabled(false);
+    } else {
+        setStage(Stage::offer);
+    }
     setVisible(monitor.hookState() == FleetMonitor::HookState::missing);
 }
 
 void HookBanner::setStage(Stage next) {
     stage = next;
     const bool isOffer = stage == Stage::offer;
-    text->setText(isOffer ? offer(monitor.hookProblem()) : explanation(monitor.hookPlaces()));
+    text->setText(isOffer ? offer(monitor.hookProblem()) : hookExplanation(monitor.hookPlaces()));
     proceedButton->setText(isOffer ? shown("Hook einrichten …"_text) : shown("Einrichten"_text));
-    proceedButton->setEnabled(true);
+    proceedButton->setEnabled(!monitor.isHookChanging());
     cancelButton->setVisible(!isOffer);
 }
 
@@ -72,7 +72,6 @@ void HookBanner::proceed() {
         setStage(Stage::confirmation);
         return;
     }
-    proceedButton->setEnabled(false);
     monitor.installHook();
 }
 

@@ -14,6 +14,7 @@ constexpr int lowestHeading = 40;
 constexpr int barWidth = 48;
 constexpr int contextBarHeight = 4;
 constexpr int lineGap = 3;
+constexpr int leastActionSide = 22;
 
 constexpr int narrowRow = 480;  ///< below it only what tells sessions apart
 constexpr int wideRow = 900;    ///< from it on a compact row has room for its origin
@@ -80,6 +81,10 @@ Density densityFrom(std::string_view raw) {
     return raw == "comfortable" ? Density::comfortable : Density::compact;
 }
 
+std::string_view rawValue(Density density) {
+    return density == Density::comfortable ? "comfortable" : "compact";
+}
+
 int rowHeight(Density density, const RowTextSizes& sizes) {
     if (density == Density::compact)
         return std::max(compactHeight, sizes.lineHeight + Metrics::gap);
@@ -101,6 +106,17 @@ RowGeometry rowGeometry(const QRect& row, Density density, const RowTextSizes& s
     geometry = comfortableGeometry(geometry, content, sizes);
     geometry.glyph.moveTop(geometry.name.center().y() - Metrics::glyphSide / 2);
     return geometry;
+}
+
+RowActions rowActions(const QRect& row, const RowTextSizes& sizes) {
+    const int side = std::min(std::max(leastActionSide, sizes.lineHeight + Metrics::grid),
+                              row.height() - Metrics::grid);
+    const QRect inner = row.adjusted(Metrics::margin, 0, -Metrics::margin, 0);
+    RightEnd end(inner);
+    RowActions actions;
+    actions.menu = end.take(side, side);
+    actions.act = actions.menu.translated(-side - Metrics::grid, 0);
+    return actions;
 }
 
 }  // namespace fleetwise

@@ -14,6 +14,7 @@ enum class Density {
 
 /// The setting's name for it; anything but "comfortable" is compact.
 Density densityFrom(std::string_view raw);
+std::string_view rawValue(Density density);
 
 /// What text needs, in device-independent pixels.
 struct RowTextSizes {
@@ -38,9 +39,26 @@ struct RowGeometry {
     bool operator==(const RowGeometry&) const = default;
 };
 
+/// What the two buttons in a row under the pointer do.
+enum class RowAction {
+    act,   ///< focuses or resumes the session
+    menu,  ///< opens its menu
+};
+
+/// Where they stand: at the right end, over whatever the row has there.
+struct RowActions {
+    QRect act;
+    QRect menu;
+
+    /// The room that both take.
+    QRect area() const { return act.united(menu); }
+};
+
 int rowHeight(Density density, const RowTextSizes& sizes);
 int headingHeight(const RowTextSizes& sizes);
 
 RowGeometry rowGeometry(const QRect& row, Density density, const RowTextSizes& sizes);
+
+RowActions rowActions(const QRect& row, const RowTextSizes& sizes);
 
 }  // namespace fleetwise

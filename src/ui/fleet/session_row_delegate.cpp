@@ -8,6 +8,7 @@
 #include "ui/base/state_glyph.h"
 #include "ui/base/theme.h"
 #include "ui/fleet/fleet_list_model.h"
+#include "ui/fleet/row_action_painting.h"
 
 #include <QFontMetrics>
 #include <QPainter>
@@ -22,7 +23,6 @@ namespace fleetwise {
 
 namespace {
 
-constexpr double fullContext = 0.8;  ///< from here on the bar warns
 constexpr double selectionStrength = 0.16;
 constexpr int roomForBranch = 130;
 constexpr int roomForPath = 180;
@@ -49,11 +49,13 @@ void paintGround(QPainter& painter, const QStyleOptionViewItem& option, const QR
                  const Palette& palette) {
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
     const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
-    if (!isSelected && !isHovered) return;
+    const bool hasFocus = option.state.testFlag(QStyle::State_HasFocus);
+    if (!isSelected && !isHovered && !hasFocus) return;
     const QRectF area = QRectF(row).adjusted(4, 1, -4, -1);
-    const bool hasFocus = isSelected && option.state.testFlag(QStyle::State_HasFocus);
     painter.setPen(hasFocus ? QPen(palette.accent, 1.5) : QPen(Qt::NoPen));
-    painter.setBrush(isSelected ? faded(palette.accent, selectionStrength) : palette.hover);
+    painter.setBrush(Qt::NoBrush);
+    if (isHovered) painter.setBrush(palette.hover);
+    if (isSelected) painter.setBrush(faded(palette.accent, selectionStrength));
     painter.drawRoundedRect(area, Metrics::rowRadius, Metrics::rowRadius);
 }
 
@@ -157,7 +159,7 @@ void paintBar(QPainter& painter, const QRect& area, double fill, const Palette& 
     QRectF filled = area;
     filled.setWidth(std::clamp(fill, 0.0, 1.0) * area.width());
     if (filled.width() < 1) return;
-    painter.setBrush(fill >= fullContext ? palette.warning : palette.secondary);
+    painter.setBrush(fill >= warningShare ? palette.warning : palette.secondary);
     painter.drawRoundedRect(filled, radius, radius);
 }
 
@@ -221,7 +223,7 @@ RowTextSizes SessionRowDelegate::textSizes(const QFont& font) const {
     RowTextSizes sizes{.lineHeight = body.height(),
                        .smallLineHeight = small.height(),
                        .timeWidth = small.horizontalAdvance(longestTime) + 1};
-    if (amounts == Amounts::shown) {
+    if (tellsCosts) {
         sizes.costWidth = small.horizontalAdvance(longestUsualAmount()) + 1;
     }
     return sizes;
@@ -282,12 +284,32 @@ void SessionRowDelegate::paintSession(QPainter& painter, const QStyleOptionViewI
     paintName(painter, geometry.name, row, option.font, palette);
     painter.setFont(smallFont(option.font));
     paintDetail(painter, geometry.detail, row, palette);
-    write(painter, geometry.place, placeText(row, geometry.place.width()), palette.secondary,
-          Qt::AlignRight, Elide::middle);
-    if (!geometry.origin.isEmpty()) paintOrigin(painter, geometry.origin, row, palette);
-    if (row.contextFill) paintBar(painter, geometry.bar, *row.contextFill, palette);
-    paintCost(painter, geometry.cost, row.cost, palette);
-    write(painter, geometry.time, row.elapsed, palette.secondary, Qt::AlignRight);
+    const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
+    const RowActions places = isHovered ? actionsOf(option, option.rect) : RowActions();
+    paintRight(painter, geometry, places.area(), row, palette);
+    if (!places.act.isEmpty()) {
+        paintRowActions(painter, places, row.isLive, pointedAction, palette);
+    }
+}
+
+void SessionRowDelegate::paintRight(QPainter& painter, const RowGeometry& geometry,
+                                    const QRect& covered, const SessionRow& row,
+                                    const Palette& palette) {
+    const auto isFree = [&](const QRect& part) {
+        return !part.isEmpty() && !part.intersects(covered);
+    };
+    if (isFree(geometry.place)) {
+        write(painter, geometry.place, placeText(row, geometry.place.width()), palette.secondary,
+              Qt::AlignRight, Elide::middle);
+    }
+    if (isFree(geometry.origin)) paintOrigin(painter, geometry.origin, row, palette);
+    if (row.contextFill && isFree(geometry.bar)) {
+        paintBar(painter, geometry.bar, *row.contextFill, palette);
+    }
+    if (isFree(geometry.cost)) paintCost(painter, geometry.cost, row.cost, palette);
+    if (isFree(geometry.time)) {
+        write(painter, geometry.time, row.elapsed, palette.secondary, Qt::AlignRight);
+    }
 }
 
 void SessionRowDelegate::paintDetail(QPainter& painter, const QRect& area, const SessionRow& row,
@@ -318,6 +340,11 @@ QSize SessionRowDelegate::sizeHint(const QStyleOptionViewItem& option,
 
 QRect SessionRowDelegate::glyphRect(const QStyleOptionViewItem& option, const QRect& row) const {
     return rowGeometry(row, rowDensity, textSizes(option.font)).glyph;
+}
+
+RowActions SessionRowDelegate::actionsOf(const QStyleOptionViewItem& option,
+                                         const QRect& row) const {
+    return actions == Actions::shown ? rowActions(row, textSizes(option.font)) : RowActions();
 }
 
 }  // namespace fleetwise

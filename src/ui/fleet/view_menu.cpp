@@ -2,6 +2,8 @@
 
 #include "monitor/fleet_monitor.h"
 #include "ui/base/interface_text.h"
+#include "ui/fleet/row_geometry.h"
+#include "ui/fleet/window_keys.h"
 
 #include <QActionGroup>
 #include <QMenu>
@@ -62,15 +64,60 @@ void addCosts(QMenu* menu, FleetMonitor& monitor) {
                 {shown("Ohne Cache"_text), rawValue(MoneyBasis::uncached)}});
 }
 
-void fill(QMenu* menu, FleetMonitor& monitor, const std::function<void()>& showUsage) {
+template <typename Modes>
+void addModes(QMenu* menu, FleetMonitor& monitor, const QString& title, const Modes& modes,
+              const Setting<std::string_view>& setting) {
+    std::vector<Choice> choices;
+    for (const auto mode : modes)
+        choices.push_back({qtText(label(mode)), rawValue(mode)});
+    addChoices(menu->addMenu(title), monitor, setting, choices);
+}
+
+/// All of the filter bar, which has not always room for it.
+void addListLook(QMenu* menu, FleetMonitor& monitor) {
+    QMenu* filters = menu->addMenu(shown("Filter"_text));
+    const auto active = monitor.settings().listRules().filters;
+    for (const ListFilter filter : allListFilters) {
+        QAction* action = filters->addAction(qtText(label(filter)), filters,
+                                             [&monitor, filter] { monitor.toggleFilter(filter); });
+        action->setCheckable(true);
+        action->setChecked(active.contains(filter));
+    }
+    addModes(menu, monitor, shown("Gruppieren nach"_text), allGroupModes, Settings::groupMode);
+    addModes(menu, monitor, shown("Sortieren nach"_text), allSortModes, Settings::sortMode);
+    QAction* density = menu->addAction(shown("Zweizeilig"_text));
+    density->setCheckable(true);
+    density->setChecked(densityFrom(monitor.settings().get(Settings::density)) ==
+                        Density::comfortable);
+    QObject::connect(density, &QAction::toggled, menu, [&monitor](bool isComfortable) {
+        monitor.change(Settings::density,
+                       rawValue(isComfortable ? Density::comfortable : Density::compact));
+    });
+}
+
+/// The key is the window's; an action that had it as well would only take it away.
+QString withKey(const QString& text, const QKeySequence& key) {
+    return text + u'\t' + key.toString(QKeySequence::NativeText);
+}
+
+void addWindows(QMenu* menu, const ViewMenuActions& actions) {
+    menu->addAction(withKey(shown("Nutzung"_text), usageKey), menu, actions.showUsage);
+    menu->addAction(withKey(shown("Vorige Sitzungen"_text), archiveKey), menu, actions.showArchive);
+    menu->addAction(withKey(shown("Einstellungen"_text), settingsKey), menu, actions.showSettings);
+}
+
+void fill(QMenu* menu, FleetMonitor& monitor, const ViewMenuActions& actions) {
     menu->clear();
     // What belongs to the actions without being theirs.
     qDeleteAll(menu->findChildren<QMenu*>());
     qDeleteAll(menu->findChildren<QActionGroup*>());
-    // The key is the window's; an action that had it as well would only take it away.
-    menu->addAction(shown("Nutzung"_text) + u'\t' +
-                        QKeySequence(Qt::CTRL | Qt::Key_U).toString(QKeySequence::NativeText),
-                    menu, showUsage);
+    addWindows(menu, actions);
+    menu->addSeparator();
+    QAction* details = menu->addAction(withKey(shown("Details zeigen"_text), detailsKey), menu,
+                                       actions.toggleDetails);
+    details->setCheckable(true);
+    details->setChecked(monitor.settings().get(Settings::showsDetails));
+    addListLook(menu, monitor);
     menu->addSeparator();
     addSwitch(menu, monitor, shown("Ruhende Sitzungen zeigen"_text), Settings::showDormant);
     addSwitch(menu, monitor, shown("Codex zeigen"_text), Settings::showsCodex);
@@ -94,11 +141,11 @@ void fill(QMenu* menu, FleetMonitor& monitor, const std::function<void()>& showU
 
 }  // namespace
 
-QMenu* makeViewMenu(FleetMonitor& monitor, std::function<void()> showUsage, QWidget* parent) {
+QMenu* makeViewMenu(FleetMonitor& monitor, ViewMenuActions actions, QWidget* parent) {
     auto* menu = new QMenu(parent);
     QObject::connect(
         menu, &QMenu::aboutToShow, menu,
-        [menu, &monitor, showUsage = std::move(showUsage)] { fill(menu, monitor, showUsage); });
+        [menu, &monitor, actions = std::move(actions)] { fill(menu, monitor, actions); });
     return menu;
 }
 

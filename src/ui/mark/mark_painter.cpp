@@ -15,7 +15,6 @@ namespace fleetwise {
 namespace {
 
 constexpr double smallestForTwoRings = 20;
-constexpr double nearlyUsedUp = 0.8;
 constexpr int largestCount = 99;
 constexpr int smallestPixelSize = 4;
 constexpr int smallestLetters = 8;  ///< in pixels, where there are more than two
@@ -63,7 +62,7 @@ struct Colours {
 
     QColor quota(double used, SessionState usual) const {
         if (used >= 1) return of(SessionState::failed);
-        return of(used >= nearlyUsedUp ? SessionState::decision : usual);
+        return of(used >= warningShare ? SessionState::decision : usual);
     }
 
     QColor faded(double opacity) const {

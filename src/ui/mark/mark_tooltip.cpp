@@ -7,17 +7,13 @@ namespace fleetwise {
 
 namespace {
 
-std::string counted(int count, Text one, Text several) {
-    return count == 1 ? localised(one) : localisedFormat(several, count);
-}
-
 std::string sessionsText(int working, int attention) {
     if (working <= 0 && attention <= 0) return localised("alles ruhig"_text);
     std::string text;
-    if (working > 0) text = counted(working, "1 arbeitet"_text, "%d arbeiten"_text);
+    if (working > 0) text = localisedCount(working, "%d arbeitet"_text, "%d arbeiten"_text);
     if (attention <= 0) return text;
     if (!text.empty()) text += ", ";
-    return text + counted(attention, "1 braucht dich"_text, "%d brauchen dich"_text);
+    return text + localisedCount(attention, "%d braucht dich"_text, "%d brauchen dich"_text);
 }
 
 }  // namespace

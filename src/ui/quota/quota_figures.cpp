@@ -95,7 +95,9 @@ void addAccounts(QuotaFigures& figures, const UsageOverview& usage, Date now, Ca
     if (figures.blocks.size() <= mostBlocks) return;
     const std::size_t others = figures.blocks.size() - mostBlocks + 1;
     figures.blocks.resize(mostBlocks - 1);
-    figures.blocks.push_back({shown("%d weitere Konten"_text, others), {}});
+    figures.blocks.push_back({shownCount(static_cast<std::int64_t>(others),
+                                         "%d weiteres Konto"_text, "%d weitere Konten"_text),
+                              {}});
 }
 
 std::optional<double> freshShare(const std::optional<QuotaWindow>& window) {

@@ -1,5 +1,6 @@
 #include "ui/quota/quota_lines.h"
 
+#include "ui/base/interface_text.h"
 #include "ui/base/theme.h"
 
 #include <QHelpEvent>
@@ -34,7 +35,8 @@ QSize QuotaLines::sizeHint() const {
 bool QuotaLines::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return QWidget::event(event);
     const auto* help = static_cast<QHelpEvent*>(event);
-    QToolTip::showText(help->globalPos(), explanationAt(figures, places(), help->pos()), this);
+    QToolTip::showText(help->globalPos(),
+                       plainToolTip(explanationAt(figures, places(), help->pos())), this);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "ui/quota/quota_painting.h"
 
+#include "ui/base/bar_painting.h"
 #include "ui/base/elided_label.h"
 #include "ui/base/theme.h"
 
@@ -11,7 +12,6 @@ namespace fleetwise {
 
 namespace {
 
-constexpr double nearlyFull = 0.8;
 constexpr float tailOpacity = 0.35F;
 constexpr int barHeight = 4;
 constexpr int usualCharacters = 40;  ///< of a line, which asks for as much room beside others
@@ -111,21 +111,12 @@ private:
     int titleWidth = 0;
 };
 
-void fillBar(QPainter& painter, const QRectF& bar, double share, const QColor& colour) {
-    if (!(share > 0)) return;
-    QRectF part = bar;
-    part.setWidth(std::max(bar.height(), bar.width() * std::min(share, 1.0)));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(colour);
-    painter.drawRoundedRect(part, bar.height() / 2, bar.height() / 2);
-}
-
 void paintLine(QPainter& painter, const QRect& place, const QuotaFigures::Line& line,
                const Palette& colours) {
     painter.setPen(line.isStale ? colours.secondary : colours.text);
     painter.drawText(place, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
                      fittingText(line.text, painter.fontMetrics(), place.width()));
-    const QColor usual = line.used >= nearlyFull ? colours.warning : colours.accent;
+    const QColor usual = line.used >= warningShare ? colours.warning : colours.accent;
     const QColor colour = line.isStale ? colours.secondary : usual;
     QColor tail = line.projected.value_or(0) >= 1 ? colours.warning : colour;
     tail.setAlphaF(tailOpacity);

@@ -71,7 +71,8 @@ bool QuotaStrip::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return QAbstractButton::event(event);
     const auto* help = static_cast<QHelpEvent*>(event);
     const QPoint inside = help->pos() - QPoint(Metrics::margin, Metrics::grid);
-    QToolTip::showText(help->globalPos(), explanationAt(figures, places(width()), inside), this);
+    QToolTip::showText(help->globalPos(),
+                       plainToolTip(explanationAt(figures, places(width()), inside)), this);
     return true;
 }
 

@@ -1,33 +1,49 @@
 #include "ui/tray/fleet_popover.h"
 
 #include "ui/base/elided_label.h"
+#include "ui/base/flow_layout.h"
 #include "ui/base/interface_text.h"
 #include "ui/base/theme.h"
+#include "ui/base/window_system.h"
 #include "ui/tray/popover_geometry.h"
 
 #include <QAbstractItemDelegate>
+#include <QApplication>
+#include <QBoxLayout>
+#include <QChildEvent>
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPainter>
-#include <QPushButton>
 #include <QScreen>
-#include <QVBoxLayout>
+#include <QToolButton>
 
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace fleetwise {
 
 namespace {
 
-constexpr int contentWidth = 360;
+constexpr int usualPopoverWidth = 360;  ///< at the usual size of the font
+constexpr int usualFontHeight = 14;     ///< in pixels
 /// A click on the mark closes an open popup before it reaches us as a wish to open one.
 constexpr qint64 sameClickMilliseconds = 250;
+/// The window system may take some time to give the focus back when a menu closes.
+constexpr std::chrono::milliseconds focusReturn(150);
 
 /// A popup takes the keyboard and goes with the first click elsewhere. Wayland has popups only as
 /// children of a window in use, so that there it is a window which watches its focus.
 Qt::WindowFlags windowKind() {
-    const bool isWayland = QGuiApplication::platformName().startsWith("wayland");
-    return (isWayland ? Qt::Dialog : Qt::Popup) | Qt::FramelessWindowHint;
+    return (isWayland() ? Qt::Dialog : Qt::Popup) | Qt::FramelessWindowHint;
+}
+
+/// As wide as the font asks for, but not narrower than usual.
+int contentWidth(const QFont& font) {
+    return std::max(usualPopoverWidth,
+                    usualPopoverWidth * QFontInfo(font).pixelSize() / usualFontHeight);
 }
 
 class Hairline final : public QWidget {
@@ -49,6 +65,9 @@ QListView* makeList(QWidget* parent) {
     list->setMouseTracking(true);
     list->setMinimumHeight(1);  // a view asks for room for some rows, whatever it shows
     list->viewport()->setAutoFillBackground(false);
+    list->viewport()->setAttribute(Qt::WA_Hover);
+    list->setContextMenuPolicy(Qt::CustomContextMenu);
+    list->setAccessibleName(shown("Sitzungen"_text));
     return list;
 }
 
@@ -75,6 +94,7 @@ void FleetPopover::buildContents(QAbstractItemModel& model, QAbstractItemDelegat
     list->setItemDelegate(&delegate);
     list->installEventFilter(this);
     connect(list, &QListView::clicked, this, &FleetPopover::activated);
+    connect(list, &QWidget::customContextMenuRequested, this, &FleetPopover::askForMenu);
     emptyState = makeEmptyState();
 
     auto* top = new QVBoxLayout;
@@ -107,25 +127,47 @@ QWidget* FleetPopover::makeEmptyState() {
 }
 
 QWidget* FleetPopover::makeFooter() {
-    auto* footer = new QWidget(this);
-    costs = new ElidedLabel(footer);
+    auto* area = new QWidget(this);
+    costs = new ElidedLabel(area);
     costs->setForegroundRole(QPalette::PlaceholderText);
-    auto* layout = new QHBoxLayout(footer);
-    layout->setContentsMargins(Metrics::margin, 0, Metrics::gap, 0);
-    layout->addWidget(costs, 1);
-    layout->addWidget(makeButton(shown("Nutzung"_text), &FleetPopover::usageWanted));
-    layout->addWidget(makeButton(shown("Fenster öffnen"_text), &FleetPopover::windowWanted));
-    return footer;
+    footer = new QBoxLayout(QBoxLayout::LeftToRight, area);
+    footer->setContentsMargins(Metrics::margin, 0, Metrics::gap, 0);
+    footer->setSpacing(Metrics::grid);
+    footer->addWidget(costs);
+    buttons = new FlowLayout(Qt::AlignRight);
+    buttons->setSpacing(0);
+    buttons->addWidget(makeButton(shown("Fenster"_text), &FleetPopover::windowWanted));
+    buttons->addWidget(makeButton(shown("Nutzung"_text), &FleetPopover::usageWanted));
+    buttons->addWidget(makeButton(shown("Einstellungen"_text), &FleetPopover::settingsWanted));
+    footer->addLayout(buttons, 1);
+    return area;
 }
 
-QWidget* FleetPopover::makeButton(const QString& text, void (FleetPopover::*wanted)()) {
-    auto* button = new QPushButton(text);
-    button->setFlat(true);
-    connect(button, &QPushButton::clicked, this, [this, wanted] {
+void FleetPopover::fitFooter(int width) {
+    const QMargins around = footer->contentsMargins();
+    const int needed = around.left() + costs->sizeHint().width() + footer->spacing() +
+                       buttons->sizeHint().width() + around.right();
+    footer->setDirection(needed <= width ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    costs->setVisible(!costs->text().isEmpty());
+}
+
+QToolButton* FleetPopover::makeButton(const QString& text, void (FleetPopover::*wanted)()) {
+    auto* button = new QToolButton;
+    button->setText(text);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::StrongFocus);
+    connect(button, &QToolButton::clicked, this, [this, wanted] {
         hide();
         emit(this->*wanted)();
     });
     return button;
+}
+
+void FleetPopover::askForMenu(const QPoint& place) {
+    const QModelIndex index = list->indexAt(place);
+    if (!index.isValid()) return;
+    list->setCurrentIndex(index);
+    emit menuWanted(index, list->viewport()->mapToGlobal(place));
 }
 
 void FleetPopover::followModel(const QAbstractItemModel& model) {
@@ -146,7 +188,8 @@ void FleetPopover::setQuota(const QuotaFigures& figures) {
 
 void FleetPopover::setCosts(const QString& text, const QString& explanation) {
     costs->setText(text);
-    costs->setToolTip(explanation);
+    costs->setToolTip(plainToolTip(explanation));
+    if (isVisible()) fitting.start(0);
 }
 
 void FleetPopover::setHint(FleetHint hint) {
@@ -175,13 +218,15 @@ void FleetPopover::fitToContents() {
     const bool isEmpty = list->model()->rowCount() == 0;
     list->setVisible(!isEmpty);
     emptyState->setVisible(isEmpty);
-    layout()->activate();
-    int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(contentWidth)
-                                               : layout()->totalSizeHint().height();
-    if (!isEmpty) height += rowsHeight() - list->sizeHint().height();
     const QScreen* screen = QGuiApplication::screenAt(anchor.center());
     if (screen == nullptr) screen = QGuiApplication::primaryScreen();
-    setGeometry(popoverRect(anchor, {contentWidth, height}, screen->availableGeometry()));
+    const int width = std::min(contentWidth(font()), screen->availableGeometry().width());
+    fitFooter(width);
+    layout()->activate();
+    int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
+                                               : layout()->totalSizeHint().height();
+    if (!isEmpty) height += rowsHeight() - list->sizeHint().height();
+    setGeometry(popoverRect(anchor, {width, height}, screen->availableGeometry()));
 }
 
 int FleetPopover::rowsHeight() const {
@@ -207,7 +252,14 @@ bool FleetPopover::selectFromOutside(int key) {
 
 bool FleetPopover::eventFilter(QObject* watched, QEvent* event) {
     if (watched != list || event->type() != QEvent::KeyPress) return false;
-    const int key = static_cast<QKeyEvent*>(event)->key();
+    const auto* pressed = static_cast<QKeyEvent*>(event);
+    const int key = pressed->key();
+    const bool isMenuKey =
+        key == Qt::Key_Menu || (key == Qt::Key_F10 && pressed->modifiers() == Qt::ShiftModifier);
+    if (isMenuKey && list->selectionModel()->hasSelection()) {
+        askForMenu(list->visualRect(list->currentIndex()).center());
+        return true;
+    }
     if (!isEnter(key)) return selectFromOutside(key);
     if (list->selectionModel()->hasSelection()) emit activated(list->currentIndex());
     return true;
@@ -215,7 +267,23 @@ bool FleetPopover::eventFilter(QObject* watched, QEvent* event) {
 
 void FleetPopover::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && !isActiveWindow() && isVisible()) hide();
+    // A menu of a row takes the focus, but the user has not turned away.
+    const bool isBesideMenu = qobject_cast<QMenu*>(QApplication::activePopupWidget()) != nullptr;
+    const bool wasLeft = event->type() == QEvent::ActivationChange && !isActiveWindow();
+    if (wasLeft && isVisible() && !isBesideMenu) hide();
+    if (event->type() == QEvent::FontChange && isVisible()) fitting.start(0);
+}
+
+void FleetPopover::childEvent(QChildEvent* event) {
+    QWidget::childEvent(event);
+    const auto* menu = qobject_cast<QMenu*>(event->child());
+    if (menu == nullptr || !event->polished()) return;
+    connect(menu, &QMenu::aboutToHide, this,
+            [this] { QTimer::singleShot(focusReturn, this, &FleetPopover::hideIfLeft); });
+}
+
+void FleetPopover::hideIfLeft() {
+    if (isVisible() && !isActiveWindow() && QApplication::activePopupWidget() == nullptr) hide();
 }
 
 void FleetPopover::hideEvent(QHideEvent* event) {

@@ -8,7 +8,12 @@
 #include <QTimer>
 #include <QWidget>
 
+class QBoxLayout;
+class QToolButton;
+
 namespace fleetwise {
+
+class FlowLayout;
 
 /// What to tell where there is no session to show.
 enum class FleetHint {
@@ -17,7 +22,8 @@ enum class FleetHint {
 };
 
 /// What the mark opens: the sessions on one small sheet, which closes as soon as the user turns to
-/// something else. It is as high as its rows ask for. Main thread; needs a QApplication.
+/// something else. It is as high as its rows ask for, and as wide as its font. Main thread; needs a
+/// QApplication.
 class FleetPopover final : public QWidget {
     Q_OBJECT
 
@@ -43,12 +49,16 @@ signals:
     void opening();
     /// A row was clicked or confirmed with Enter.
     void activated(const QModelIndex& index);
+    /// The menu of a row, with the right button or the menu key.
+    void menuWanted(const QModelIndex& index, const QPoint& globalPosition);
     void windowWanted();
     void usageWanted();
+    void settingsWanted();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void childEvent(QChildEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -57,10 +67,15 @@ private:
     void buildContents(QAbstractItemModel& model, QAbstractItemDelegate& delegate);
     QWidget* makeEmptyState();
     QWidget* makeFooter();
-    QWidget* makeButton(const QString& text, void (FleetPopover::*wanted)());
+    QToolButton* makeButton(const QString& text, void (FleetPopover::*wanted)());
     void followModel(const QAbstractItemModel& model);
     void fitToContents();
+    /// Puts the sum above the buttons where it would be cut beside them.
+    void fitFooter(int width);
     int rowsHeight() const;
+    void askForMenu(const QPoint& place);
+    /// The user may have turned away while a menu was open, which changeEvent does not tell.
+    void hideIfLeft();
 
     /// Down and Up, while no row is selected, begin at the first and the last one.
     bool selectFromOutside(int key);
@@ -71,6 +86,8 @@ private:
     QWidget* emptyState = nullptr;
     QLabel* emptyHint = nullptr;
     QLabel* costs = nullptr;
+    QBoxLayout* footer = nullptr;
+    FlowLayout* buttons = nullptr;
     QTimer fitting;  ///< gathers the model's changes until the event loop is back
     QElapsedTimer sinceClosing;
 };

@@ -2,12 +2,12 @@
 
 #include "fleet/quota_texts.h"
 #include "localisation/day_format.h"
+#include "ui/base/chip_choice.h"
 #include "ui/base/interface_text.h"
 #include "ui/charts/time_chart.h"
 #include "usage/plausible_date.h"
 
 #include <QBoxLayout>
-#include <QComboBox>
 #include <QStringList>
 
 #include <algorithm>
@@ -26,6 +26,13 @@ constexpr Seconds longestGapOfFiveHours{30 * 60};
 constexpr Seconds longestGapOfSevenDays{6 * 3'600};
 /// How far a chart looks ahead at most, as a share of the time it looks back.
 constexpr double largestOutlook = 0.5;
+
+QStringList spanNames() {
+    QStringList names;
+    for (const auto& [span, name] : allSpans)
+        names << shown(name);
+    return names;
+}
 
 QString titleOf(Seconds length) {
     return length == fiveHours ? shown("5-Stunden-Fenster"_text) : shown("7-Tage-Fenster"_text);
@@ -73,21 +80,18 @@ QuotaSection::QuotaSection(Seconds givenLength, QWidget* parent)
       length(givenLength),
       chart(new TimeChart(titleOf(length))),
       section(new FigureSection(titleOf(length), chart)),
-      spans(new QComboBox) {
-    for (const auto& [span, name] : allSpans)
-        spans->addItem(shown(name), span.count());
-    spans->setCurrentIndex(length == fiveHours ? 0 : static_cast<int>(allSpans.size()) - 1);
-    spans->setAccessibleName(shown("Zeitraum"_text) + QStringLiteral(": ") + titleOf(length));
-    spans->setToolTip(shown("Zeitraum"_text));
+      spans(new ChipChoice(shown("Zeitraum"_text) + QStringLiteral(": ") + titleOf(length),
+                           spanNames())) {
+    spans->choose(length == fiveHours ? 0 : static_cast<int>(allSpans.size()) - 1);
     section->addControl(spans);
-    connect(spans, &QComboBox::currentIndexChanged, this, &QuotaSection::spanChanged);
+    connect(spans, &ChipChoice::changed, this, &QuotaSection::spanChanged);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(section);
 }
 
 Seconds QuotaSection::span() const {
-    return Seconds(spans->currentData().toDouble());
+    return allSpans.at(static_cast<std::size_t>(spans->chosen())).first;
 }
 
 void QuotaSection::setQuota(const QuotaValues& values, const std::optional<QuotaWindow>& window,

@@ -6,10 +6,9 @@
 
 #include <optional>
 
-class QComboBox;
-
 namespace fleetwise {
 
+class ChipChoice;
 class TimeChart;
 
 /// One quota window of an account: how it stands in words, and its course over a choice of spans.
@@ -34,7 +33,7 @@ private:
     const Seconds length;
     TimeChart* chart;
     FigureSection* section;
-    QComboBox* spans;
+    ChipChoice* spans;
 };
 
 /// The window in words: percentage, reset, rate, projection, budget, all that is known, on one

@@ -4,13 +4,11 @@
 #include "localisation/day_format.h"
 #include "localisation/money_format.h"
 #include "localisation/number_format.h"
-#include "ui/base/chip_button.h"
-#include "ui/base/cost_display.h"
 #include "ui/base/interface_text.h"
 #include "ui/charts/figure_section.h"
+#include "ui/usage/figure_choice.h"
 
 #include <QBoxLayout>
-#include <QButtonGroup>
 #include <QStringList>
 
 #include <algorithm>
@@ -24,14 +22,9 @@ constexpr std::size_t mostTicks = 4;
 constexpr double leastMoney = 0.01;
 constexpr std::size_t daysOfWeek = 7;
 
-double amount(const UsageDay::Model& model, SpendingFigure figure) {
-    if (figure == SpendingFigure::money) return std::max(0.0, model.api.usd.value_or(0));
+double amount(const UsageDay::Model& model, UsageFigure figure) {
+    if (figure == UsageFigure::money) return std::max(0.0, model.api.usd.value_or(0));
     return static_cast<double>(model.tally.all());
-}
-
-std::string words(double amount, SpendingFigure figure) {
-    return figure == SpendingFigure::money ? moneyText(amount)
-                                           : shortNumber(static_cast<std::int64_t>(amount));
 }
 
 std::string dayName(const UsageDay& day) {
@@ -39,8 +32,7 @@ std::string dayName(const UsageDay& day) {
 }
 
 /// All models by their total, the largest first.
-std::vector<SpendingFigures::Series> totals(const std::vector<UsageDay>& days,
-                                            SpendingFigure figure) {
+std::vector<SpendingFigures::Series> totals(const std::vector<UsageDay>& days, UsageFigure figure) {
     std::map<std::string, double> byName;
     for (const UsageDay& day : days) {
         for (const UsageDay::Model& model : day.models)
@@ -68,7 +60,7 @@ Money money(const UsageDay& day) {
 }
 
 /// What the last `count` days come to.
-QString sumText(const std::vector<UsageDay>& days, std::size_t count, SpendingFigure figure) {
+QString sumText(const std::vector<UsageDay>& days, std::size_t count, UsageFigure figure) {
     TokenTally tokens;
     Money usd;
     for (std::size_t index = days.size() - std::min(count, days.size()); index < days.size();
@@ -76,20 +68,20 @@ QString sumText(const std::vector<UsageDay>& days, std::size_t count, SpendingFi
         tokens += tally(days[index]);
         usd += money(days[index]);
     }
-    if (figure == SpendingFigure::tokens) return qtText(shortNumber(tokens.all()));
+    if (figure == UsageFigure::tokens) return qtText(shortNumber(tokens.all()));
     const std::string text = costText(usd);
     return qtText(text.empty() ? moneyText(0) : text);
 }
 
-FigureTable::Cell cell(const TokenTally& tokens, const Money& usd, SpendingFigure figure) {
-    if (figure == SpendingFigure::money) return {.text = costText(usd), .number = usd.usd};
+FigureTable::Cell cell(const TokenTally& tokens, const Money& usd, UsageFigure figure) {
+    if (figure == UsageFigure::money) return {.text = costText(usd), .number = usd.usd};
     const std::int64_t count = tokens.all();
     return {.text = groupedNumber(count), .number = static_cast<double>(count)};
 }
 
 }  // namespace
 
-SpendingFigures spendingFigures(const std::vector<UsageDay>& days, SpendingFigure figure) {
+SpendingFigures spendingFigures(const std::vector<UsageDay>& days, UsageFigure figure) {
     SpendingFigures figures{.series = totals(days, figure)};
     std::erase_if(figures.series, [](const auto& series) { return !(series.total > 0); });
     if (figures.series.size() > mostSeries) {
@@ -117,15 +109,15 @@ SpendingFigures spendingFigures(const std::vector<UsageDay>& days, SpendingFigur
     return figures;
 }
 
-FigureTable spendingTable(const std::vector<UsageDay>& days, SpendingFigure figure) {
+FigureTable spendingTable(const std::vector<UsageDay>& days, UsageFigure figure) {
     FigureTable table{.headings = {localised("Tag"_text)}};
-    table.title = figure == SpendingFigure::money ? localised("Kosten je Tag"_text)
-                                                  : localised("Tokens je Tag"_text);
+    table.title = figure == UsageFigure::money ? localised("Kosten je Tag"_text)
+                                               : localised("Tokens je Tag"_text);
     const auto all = totals(days, figure);
     for (const auto& series : all)
         table.headings.push_back(series.name);
-    table.headings.push_back(figure == SpendingFigure::money ? localised("Summe in US-Dollar"_text)
-                                                             : localised("Summe"_text));
+    table.headings.push_back(figure == UsageFigure::money ? localised("Summe in US-Dollar"_text)
+                                                          : localised("Summe"_text));
     for (const UsageDay& day : days) {
         const std::string name = dayName(day);
         FigureTable::Row row{{.text = dayText(name), .plain = name}};
@@ -145,15 +137,9 @@ SpendingPage::SpendingPage(FleetMonitor& givenMonitor, QWidget* parent)
       monitor(givenMonitor),
       chart(new DayBars(shown("Verbrauch je Tag"_text))),
       section(new FigureSection(shown("Verbrauch je Tag"_text), chart)),
-      tokensButton(new ChipButton(shown("Tokens"_text))),
-      moneyButton(new ChipButton(shown("Geld"_text))) {
-    auto* choice = new QButtonGroup(this);
-    for (QToolButton* button : {tokensButton, moneyButton}) {
-        choice->addButton(button);
-        section->addControl(button);
-        connect(button, &QToolButton::clicked, this, [this] { refresh(monitor.clock()); });
-    }
-    tokensButton->setChecked(true);
+      choice(new FigureChoice(monitor)) {
+    section->addControl(choice);
+    connect(choice, &FigureChoice::changed, this, [this] { refresh(monitor.clock()); });
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(Metrics::margin, Metrics::margin, Metrics::margin, Metrics::margin);
     layout->addWidget(section);
@@ -164,37 +150,20 @@ QString SpendingPage::name() const {
     return shown("Verbrauch"_text);
 }
 
-bool SpendingPage::showsTokens() const {
-    return monitor.settings().get(Settings::usageShowsTokens);
-}
-
-bool SpendingPage::showsMoney() const {
-    return monitor.settings().get(Settings::usageShowsMoney) &&
-           costDisplay(monitor.settings()).extent != CostDisplay::Extent::nothing;
-}
-
 bool SpendingPage::isWanted() const {
-    return showsTokens() || showsMoney();
+    return choice->wanted().any();
 }
 
-SpendingFigure SpendingPage::figure() const {
-    const bool wantsMoney = moneyButton->isChecked() || !showsTokens();
-    return wantsMoney && showsMoney() ? SpendingFigure::money : SpendingFigure::tokens;
+UsageFigure SpendingPage::figure() const {
+    return choice->figure();
 }
 
 void SpendingPage::setShowsTables(bool showsTables) {
     section->setShowsTable(showsTables);
 }
 
-void SpendingPage::showChoice() {
-    const bool hasChoice = showsTokens() && showsMoney();
-    tokensButton->setVisible(hasChoice);
-    moneyButton->setVisible(hasChoice);
-    (figure() == SpendingFigure::money ? moneyButton : tokensButton)->setChecked(true);
-}
-
 void SpendingPage::refresh(Date) {
-    showChoice();
+    choice->follow();
     const auto days = monitor.usageDays(shownDays);
     const SpendingFigures figures = spendingFigures(days, figure());
     const bool isUnused = figures.series.empty();
@@ -207,7 +176,7 @@ void SpendingPage::refresh(Date) {
     section->setTable([days = days, figure = figure()] { return spendingTable(days, figure); });
     std::vector<ChartLegend::Entry> legend;
     for (const auto& series : figures.series)
-        legend.push_back({qtText(series.name), qtText(words(series.total, figure()))});
+        legend.push_back({qtText(series.name), qtText(amountText(series.total, figure()))});
     section->setLegend(std::move(legend), figures.hasRest);
     chart->setData(bars(days, figures));
 }
@@ -217,8 +186,8 @@ QString SpendingPage::summary(const std::vector<UsageDay>& days) const {
         shown("Heute %@"_text, sumText(days, 1, figure()).toStdString()),
         shown("7 Tage: %@"_text, sumText(days, daysOfWeek, figure()).toStdString()),
         shown("30 Tage: %@"_text, sumText(days, days.size(), figure()).toStdString())};
-    parts << (figure() == SpendingFigure::money ? qtText(priceBookText(monitor.priceBook()))
-                                                : shown("Tokens samt Cache"_text));
+    parts << (figure() == UsageFigure::money ? qtText(priceBookText(monitor.priceBook()))
+                                             : shown("Tokens samt Cache"_text));
     return parts.join(QStringLiteral(" · "));
 }
 
@@ -232,15 +201,16 @@ DayBarsData SpendingPage::bars(const std::vector<UsageDay>& days,
         QStringList line{qtText(day), sumText({days[index]}, 1, figure())};
         for (std::size_t place = 0; place < bar.parts.size(); ++place) {
             if (!(bar.parts[place] > 0)) continue;
-            line << qtText(figures.series[place].name + ' ' + words(bar.parts[place], figure()));
+            line << qtText(figures.series[place].name + ' ' +
+                           amountText(bar.parts[place], figure()));
         }
         bar.text = line.join(QStringLiteral(" · "));
         highest = std::max(highest, bar.sum());
         stacks.bars.push_back(std::move(bar));
     }
-    const double least = figure() == SpendingFigure::money ? leastMoney : 1;
+    const double least = figure() == UsageFigure::money ? leastMoney : 1;
     for (const double tick : valueTicks(highest, mostTicks, least))
-        stacks.ticks.emplace_back(tick, qtText(words(tick, figure())));
+        stacks.ticks.emplace_back(tick, qtText(amountText(tick, figure())));
     return stacks;
 }
 

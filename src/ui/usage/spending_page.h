@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fleet/figure_table.h"
+#include "fleet/usage_tables.h"
 #include "monitor/fleet_monitor.h"
 #include "ui/charts/day_bars.h"
 #include "ui/usage/usage_page.h"
@@ -8,18 +9,10 @@
 #include <string>
 #include <vector>
 
-class QButtonGroup;
-class QToolButton;
-
 namespace fleetwise {
 
+class FigureChoice;
 class FigureSection;
-
-/// What is told of the days' use.
-enum class SpendingFigure {
-    tokens,
-    money,  ///< by the price book, in US dollars
-};
 
 /// What all sessions used on the last days, stacked by model: the largest first.
 struct SpendingFigures {
@@ -37,10 +30,10 @@ struct SpendingFigures {
     bool operator==(const SpendingFigures&) const = default;
 };
 
-SpendingFigures spendingFigures(const std::vector<UsageDay>& days, SpendingFigure figure);
+SpendingFigures spendingFigures(const std::vector<UsageDay>& days, UsageFigure figure);
 
 /// Every model of every day, the oldest first, with their sum.
-FigureTable spendingTable(const std::vector<UsageDay>& days, SpendingFigure figure);
+FigureTable spendingTable(const std::vector<UsageDay>& days, UsageFigure figure);
 
 /// Tokens or money by day and model, over the last thirty days.
 class SpendingPage final : public UsagePage {
@@ -59,18 +52,14 @@ public:
     void setShowsTables(bool showsTables) override;
 
 private:
-    bool showsMoney() const;
-    bool showsTokens() const;
-    SpendingFigure figure() const;
-    void showChoice();
+    UsageFigure figure() const;
     QString summary(const std::vector<UsageDay>& days) const;
     DayBarsData bars(const std::vector<UsageDay>& days, const SpendingFigures& figures) const;
 
     FleetMonitor& monitor;
     DayBars* chart;
     FigureSection* section;
-    QToolButton* tokensButton;
-    QToolButton* moneyButton;
+    FigureChoice* choice;
 };
 
 }  // namespace fleetwise

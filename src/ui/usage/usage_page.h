@@ -20,6 +20,8 @@ public:
     virtual QString name() const = 0;
     /// Whether the user's settings want the page at all.
     virtual bool isWanted() const { return true; }
+    /// Whether it tells the names and folders of sessions that are not listed.
+    virtual bool needsArchive() const { return false; }
     /// Shows how things stand now.
     virtual void refresh(Date now) = 0;
     virtual void setShowsTables(bool showsTables) = 0;

@@ -1,9 +1,16 @@
 #include "ui/usage/usage_window.h"
 
 #include "ui/base/chip_button.h"
+#include "ui/base/flow_layout.h"
 #include "ui/base/interface_text.h"
 #include "ui/base/theme.h"
+#include "ui/base/window_system.h"
+#include "ui/charts/chart_widget.h"
+#include "ui/usage/pin_button.h"
+#include "ui/usage/price_page.h"
 #include "ui/usage/quota_page.h"
+#include "ui/usage/ranking_page.h"
+#include "ui/usage/sessions_page.h"
 #include "ui/usage/spending_page.h"
 #include "ui/usage/waiting_page.h"
 
@@ -14,6 +21,7 @@
 #include <QScrollArea>
 #include <QShortcut>
 #include <QStackedWidget>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -21,22 +29,23 @@ namespace fleetwise {
 
 namespace {
 
-constexpr QSize initialSize(760, 700);
+constexpr QSize initialSize(1000, 720);
 constexpr double largestShare = 0.9;  ///< of the screen, for the initial size
 constexpr Seconds oneMinute{60};
+constexpr Seconds archiveStep{3};  ///< at least, between two refreshes while titles are read
 
 }  // namespace
 
-UsageWindow::UsageWindow(FleetMonitor& givenMonitor)
+UsageWindow::UsageWindow(FleetMonitor& givenMonitor, ArchiveIndex& givenArchive)
     : monitor(givenMonitor),
+      archive(givenArchive),
       stack(new QStackedWidget),
       choice(new QButtonGroup(this)),
-      tables(new ChipButton(shown("Tabelle"_text))) {
+      tables(new ChipButton(shown("Tabelle"_text))),
+      pin(new PinButton) {
     setWindowTitle(shown("Nutzung"_text));
     setObjectName(QStringLiteral("usage"));
-    addPage(new QuotaPage(monitor));
-    addPage(new SpendingPage(monitor));
-    addPage(new WaitingPage(monitor));
+    addPages();
     layOut();
     addShortcuts();
     tables->setToolTip(shown("Die Werte als Tabelle statt als Diagramm"_text));
@@ -44,15 +53,32 @@ UsageWindow::UsageWindow(FleetMonitor& givenMonitor)
         for (const Entry& entry : pages)
             entry.page->setShowsTables(showsTables);
     });
+    connect(pin, &QToolButton::toggled, this, &UsageWindow::setPinned);
     pages.front().button->setChecked(true);
     showWantedPages();
     restoreGeometryOnce();
+    pin->setHidden(isWayland());
+    pin->setChecked(monitor.settings().get(Settings::usagePinned));
     monitor.addObserver(*this);
+    archive.addObserver(*this);
 }
 
 UsageWindow::~UsageWindow() {
     if (isVisible()) hide();
+    archive.removeObserver(*this);
     monitor.removeObserver(*this);
+}
+
+void UsageWindow::addPages() {
+    addPage(new QuotaPage(monitor));
+    addPage(new SpendingPage(monitor));
+    addPage(new RankingPage(monitor, archive, RankingPage::Ranking::models));
+    addPage(new RankingPage(monitor, archive, RankingPage::Ranking::projects));
+    addPage(new SessionsPage(monitor, archive));
+    addPage(new WaitingPage(monitor));
+    auto* prices = new PricePage(monitor);
+    connect(prices, &PricePage::settingsWanted, this, &UsageWindow::priceSettingsWanted);
+    addPage(prices);
 }
 
 void UsageWindow::addPage(UsagePage* page) {
@@ -71,17 +97,25 @@ void UsageWindow::addPage(UsagePage* page) {
     });
     choice->addButton(button);
     stack->addWidget(area);
-    pages.push_back({page, area, button});
+    pages.push_back({page, area, button, page->findChild<ChartWidget*>() != nullptr});
 }
 
 void UsageWindow::layOut() {
     auto* header = new QHBoxLayout;
     header->setContentsMargins(Metrics::margin, Metrics::gap, Metrics::margin, Metrics::gap);
-    header->setSpacing(Metrics::gap);
+    header->setSpacing(Metrics::groupGap);
+    auto* buttons = new FlowLayout;
     for (const Entry& entry : pages)
-        header->addWidget(entry.button);
-    header->addStretch(1);
-    header->addWidget(tables);
+        buttons->addWidget(entry.button);
+    header->addLayout(buttons, 1);
+    auto* corner = new QHBoxLayout;
+    corner->setSpacing(Metrics::gap);
+    corner->addWidget(tables, 0, Qt::AlignTop);
+    corner->addWidget(pin, 0, Qt::AlignTop);
+    header->addLayout(corner);
+    QSizePolicy keepsItsPlace = tables->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    tables->setSizePolicy(keepsItsPlace);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -107,6 +141,8 @@ void UsageWindow::addShortcuts() {
 
 void UsageWindow::turnTo(std::size_t index) {
     stack->setCurrentWidget(pages[index].area);
+    tables->setVisible(pages[index].hasCharts);
+    readArchive();
     refresh();
 }
 
@@ -140,6 +176,7 @@ void UsageWindow::refresh(UsagePage::Subject subject) {
 }
 
 void UsageWindow::settingsChanged() {
+    pin->setChecked(monitor.settings().get(Settings::usagePinned));
     showWantedPages();
     refresh();
 }
@@ -148,8 +185,32 @@ void UsageWindow::clockTicked() {
     if (now() - shownAt >= oneMinute) refresh();
 }
 
+void UsageWindow::archiveChanged() {
+    if (!currentPage().needsArchive()) return;
+    if (archive.progress() && archiveShownAt && now() - *archiveShownAt < archiveStep) return;
+    archiveShownAt = now();
+    refresh();
+}
+
+void UsageWindow::readArchive() {
+    if (hasReadArchive || !canBeSeen() || !currentPage().needsArchive()) return;
+    hasReadArchive = true;
+    archiveShownAt.reset();
+    archive.refresh();
+}
+
+void UsageWindow::setPinned(bool isPinned) {
+    if (monitor.settings().get(Settings::usagePinned) != isPinned)
+        monitor.change(Settings::usagePinned, isPinned);
+    // Through setWindowFlag() the window would be hidden and shown anew.
+    const Qt::WindowFlags flags = windowFlags().setFlag(Qt::WindowStaysOnTopHint, isPinned);
+    overrideWindowFlags(flags);
+    if (windowHandle() != nullptr) windowHandle()->setFlags(flags);
+}
+
 void UsageWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    readArchive();
     refresh();
 }
 
@@ -160,6 +221,7 @@ void UsageWindow::changeEvent(QEvent* event) {
 
 void UsageWindow::hideEvent(QHideEvent* event) {
     monitor.store(Settings::usageGeometry, saveGeometry().toBase64().toStdString());
+    hasReadArchive = false;
     QWidget::hideEvent(event);
 }
 

@@ -1,5 +1,6 @@
 #include "ui/usage/waiting_page.h"
 
+#include "fleet/project_names.h"
 #include "localisation/day_format.h"
 #include "localisation/duration_format.h"
 #include "ui/base/interface_text.h"
@@ -18,13 +19,6 @@ namespace {
 constexpr std::size_t mostTicks = 4;
 constexpr std::size_t mostProjects = 8;
 constexpr Seconds minuteLength{60};
-
-/// Names and paths as rows of sessions show them.
-Session inFolder(const std::string& project) {
-    Session session;
-    if (!project.empty()) session.cwd = project;
-    return session;
-}
 
 FigureTable::Cell durationCell(Seconds duration) {
     return {.text = durationText(duration), .number = duration / minuteLength};
@@ -104,39 +98,33 @@ void WaitingPage::showDays(const std::vector<AttentionEpisode>& episodes, Date s
     daySection->setTable([all] { return dayTable(all); });
 }
 
-RankRow WaitingPage::rankRow(const Project& project, const std::vector<Project>& all) const {
+RankRow WaitingPage::rankRow(const Project& project, const ProjectNames& names) {
     const auto& [folder, summary] = project;
-    const Session session = inFolder(folder);
-    const std::string name = session.projectName();
-    const auto namesakes = std::ranges::count_if(
-        all, [&](const Project& other) { return inFolder(other.first).projectName() == name; });
-    const QString path = qtText(session.displayPath(monitor.home()));
-    RankRow row{.name = namesakes > 1 ? path : qtText(name),
-                .figure = qtText(durationText(summary.total)),
-                .text = path + QStringLiteral(" · ") + summaryText(summary),
-                .value = summary.total.count()};
-    if (!folder.empty()) return row;
-    row.name = shown("Ohne Projekt"_text);
-    row.text = row.name + QStringLiteral(" · ") + summaryText(summary);
-    return row;
+    return {.name = qtText(names.name(folder)),
+            .figure = qtText(durationText(summary.total)),
+            .text = qtText(names.path(folder)) + QStringLiteral(" · ") + summaryText(summary),
+            .value = summary.total.count()};
 }
 
 void WaitingPage::showProjects(const std::vector<Project>& all) {
     FigureTable table{.title = localised("Wartezeit je Projekt"_text),
                       .headings = {localised("Projekt"_text), localised("Gewartet in Minuten"_text),
                                    localised("Anzahl"_text), localised("Längste in Minuten"_text)}};
+    std::vector<std::string> folders;
+    for (const Project& project : all)
+        folders.push_back(project.first);
+    const ProjectNames names(folders, monitor.home());
     std::vector<RankRow> rows;
     AttentionLog::Summary rest;
     for (const Project& project : all) {
         const auto& [folder, summary] = project;
         table.rows.push_back(
-            {{.text = folder.empty() ? localised("Ohne Projekt"_text)
-                                     : inFolder(folder).displayPath(monitor.home())},
+            {{.text = names.path(folder)},
              durationCell(summary.total),
              {.text = std::to_string(summary.count), .number = static_cast<double>(summary.count)},
              durationCell(summary.longest)});
         if (rows.size() < mostProjects) {
-            rows.push_back(rankRow(project, all));
+            rows.push_back(rankRow(project, names));
             continue;
         }
         rest.total += summary.total;

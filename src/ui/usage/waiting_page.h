@@ -12,6 +12,7 @@ namespace fleetwise {
 
 class DayBars;
 class FigureSection;
+class ProjectNames;
 
 /// How long sessions waited for the user, by day and by project, over the last thirty days.
 class WaitingPage final : public UsagePage {
@@ -33,7 +34,7 @@ private:
 
     void showDays(const std::vector<AttentionEpisode>& episodes, Date since, Date now);
     void showProjects(const std::vector<Project>& all);
-    RankRow rankRow(const Project& project, const std::vector<Project>& all) const;
+    static RankRow rankRow(const Project& project, const ProjectNames& names);
 
     FleetMonitor& monitor;
     DayBars* days;

@@ -51,11 +51,13 @@ Window* openWindow() {
     return nullptr;
 }
 
-/// Names that are the same in every language, and whatever stands in paths, addresses and licences.
+/// Names that are the same in every language, what stands in paths, addresses and licences, and the
+/// words that the generated sessions are made of.
 bool isName(const QString& text) {
     static const QRegularExpression names(QStringLiteral(
         "^(Claude Code|Codex|Fleetwise|Deutsch|English|Français|Español|Italiano|Polski|"
-        "https://|[\\w +.-]*\\d[\\w +.-]*|[~.]?/.*|[a-z]+(-[a-z]+)*|GNU C.*|.* WITH .*)$"));
+        "https://|[\\w +.-]*\\d[\\w +.-]*|[~.]?[a-z]*/.*|[a-z]+([ .-][a-z]+)*|GNU C.*|.* WITH "
+        ".*|RapidJSON|gpt-.*|.*, billing, main,.*)$"));
     return names.match(text).hasMatch();
 }
 

@@ -20,8 +20,10 @@ namespace {
 constexpr std::size_t mostRows = 10;
 constexpr int mostTextLines = 4;
 
+}  // namespace
+
 /// The sign in front of a row, in the middle of its first line.
-class SignLabel final : public QWidget {
+class DetailSign final : public QWidget {
 public:
     void setSign(SessionState newSign, const QString& name) {
         sign = newSign;
@@ -44,12 +46,10 @@ private:
     SessionState sign = SessionState::unknown;
 };
 
-}  // namespace
-
 class DetailLine final : public QWidget {
 public:
     DetailLine()
-        : sign(new SignLabel),
+        : sign(new DetailSign),
           text(new WrappedLabel),
           figure(new QLabel),
           detail(new WrappedLabel),
@@ -102,7 +102,7 @@ private:
     }
 
     std::optional<DetailRow> shownRow;
-    SignLabel* sign;
+    DetailSign* sign;
     WrappedLabel* text;
     QLabel* figure;
     WrappedLabel* detail;

@@ -25,7 +25,8 @@ TextBlock::TextBlock(QWidget* parent) : QTextEdit(parent) {
     setTabChangesFocus(true);
     document()->setDocumentMargin(0);
     viewport()->setAutoFillBackground(false);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    // Not fixed: the height of the hint is that of a width that it may no longer have.
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }

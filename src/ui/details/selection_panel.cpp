@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <functional>
+
 namespace fleetwise {
 
 SelectionPanel::SelectionPanel(FleetMonitor& givenMonitor, QWidget* parent)
@@ -43,10 +45,10 @@ QWidget* SelectionPanel::makeActions() {
         auto* button = new QPushButton(text);
         button->setAutoDefault(false);
         button->setToolTip(tooltip);
-        connect(button, &QPushButton::clicked, this, [this, action] {
+        connect(button, &QPushButton::clicked, this, [this, &fleet = monitor, action] {
             // The list, and with it the selection, may change meanwhile.
             const auto meant = ids;
-            (monitor.*action)(meant);
+            std::invoke(action, fleet, meant);
         });
         flow->addWidget(button);
     };

@@ -30,12 +30,12 @@ HookBanner::HookBanner(FleetMonitor& givenMonitor, QWidget* parent)
     text->setTextFormat(Qt::PlainText);
     text->setWordWrap(true);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(Metrics::margin, Metrics::gap, Metrics::margin, Metrics::gap);
-    layout->setSpacing(Metrics::gap);
-    layout->addWidget(text, 1);
-    layout->addWidget(cancelButton);
-    layout->addWidget(proceedButton);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(Metrics::margin, Metrics::gap, Metrics::margin, Metrics::gap);
+    row->setSpacing(Metrics::gap);
+    row->addWidget(text, 1);
+    row->addWidget(cancelButton);
+    row->addWidget(proceedButton);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::AlternateBase);
     connect(proceedButton, &QPushButton::clicked, this, &HookBanner::proceed);
@@ -43,6 +43,15 @@ HookBanner::HookBanner(FleetMonitor& givenMonitor, QWidget* parent)
     setStage(Stage::offer);
     monitor.addObserver(*this);
     hookChanged();
+}
+
+/// Beside the buttons the text would be a column of single words.
+void HookBanner::resizeEvent(QResizeEvent* event) {
+    constexpr int fewestCharacters = 60;
+    const bool isNarrow = width() < fewestCharacters * fontMetrics().averageCharWidth();
+    static_cast<QBoxLayout*>(layout())->setDirection(isNarrow ? QBoxLayout::TopToBottom
+                                                              : QBoxLayout::LeftToRight);
+    QFrame::resizeEvent(event);
 }
 
 HookBanner::~HookBanner() {

@@ -19,6 +19,9 @@ public:
     explicit HookBanner(FleetMonitor& monitor, QWidget* parent = nullptr);
     ~HookBanner() override;
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     enum class Stage { offer, confirmation };
 

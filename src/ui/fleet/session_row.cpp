@@ -133,9 +133,9 @@ SessionRow headingRow(const SessionGroup& group, bool isFolded, const std::strin
     row.isFolded = isFolded;
     row.cost = qtText(cost);
     row.tooltip = row.detail;
-    row.spoken = isFolded
-                     ? shown("Gruppe %@, %d Sitzungen, eingeklappt"_text, group.title, row.count)
-                     : shown("Gruppe %@, %d Sitzungen"_text, group.title, row.count);
+    const std::string sessions = localisedCount(row.count, "%d Sitzung"_text, "%d Sitzungen"_text);
+    row.spoken = isFolded ? shown("Gruppe %@, %@, eingeklappt"_text, group.title, sessions)
+                          : shown("Gruppe %@, %@"_text, group.title, sessions);
     if (!row.cost.isEmpty())
         row.spoken += QStringLiteral(", ") + shown("Kosten"_text) + u' ' + row.cost;
     return row;

@@ -1,5 +1,5 @@
 // An entry in the desktop's autostart folder, after the "Desktop Application Autostart" and the
-// "Desktop Entry" specification of freedesktop.org.
+// "Desktop Entry" document of freedesktop.org.
 
 #include "foundation/atomic_file.h"
 #include "foundation/directory.h"
